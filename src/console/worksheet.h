@@ -1,0 +1,66 @@
+// The worksheet: the list of lines that holds commands, their continuations, output and messages. The lexer
+// reads its characters from the lines of the current command.
+#pragma once
+
+#include <cstdint>
+
+namespace vesko {
+
+enum class LineKind : int {
+    Head = 0,          // first line of a command, with the prompt
+    Continuation = 1,
+    Free = 2,
+    FirstOutput = 3,   // first line of an output or a message
+    Output = 4,
+    BecomingContinuation = 5,
+    Input = 6,         // keyboard input asked for by a program
+};
+
+constexpr uint32_t prompt_width = 3;
+
+struct Vsline {
+    char *text;         // no terminator; a command line begins with prompt_width columns of prompt
+    uint32_t capacity;
+    LineKind kind;
+    uint32_t length;
+    Vsline *prev, *next;
+
+    bool isCommand() const { return kind == LineKind::Head || kind == LineKind::Continuation; }
+    bool isBlankCommand() const { return isCommand() && length <= prompt_width; }
+};
+
+struct Worksheet {
+    uint32_t rows, columns;
+    Vsline *head, *tail;
+    Vsline *freelines;
+    Vsline *current;               // with the cursor
+    Vsline *top;                   // at the screen's top row
+    Vsline *cmdfirst, *cmdlast;    // the command being entered
+    Vsline *readline;              // where getChar reads
+    uint32_t readpos;
+    uint32_t topindex;
+    bool ready;                    // a complete command line has been entered and is being read
+    bool edited;
+    uint32_t cursorx, cursory;
+    uint32_t nlines;
+    bool drawn;
+    bool histdone;
+    long lastdraw;
+};
+extern Worksheet vscr;
+extern bool cmdbuffstat;   // false: the command lines stay for the next cycle and are read again
+
+void setScreenAttr();      // makes the first line
+int getChar();             // next character of the command, or end_of_input
+void grabLine();
+void initVideoBuf();       // starts a new command
+void setCmdBuffStat();
+Vsline *createVsline();
+void addlnbrk(bool redraw, LineKind kind, bool force);
+void printStr(const char *text, uint32_t length, bool redraw);
+void freshScr();
+
+// ---- History
+void writeCmdHist();
+
+}  // namespace vesko

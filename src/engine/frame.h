@@ -1,0 +1,117 @@
+// Call frames, variable slots, and the records of user functions.
+//
+// Frames are made once and reused. Between calls every slot of a frame holds theEmptyMat and no domain: the
+// state the next call relies on.
+#pragma once
+
+#include <cstdint>
+
+#include "values/containers.h"
+#include "values/matrix.h"
+
+namespace vesko {
+
+struct PcNode;
+struct Pod;
+struct Xproc;
+struct Xclass;
+struct FuncFrame;
+
+struct Variable {
+    int32_t name;     // symbol index; no_value for a slot of a function's frame
+    Matrix *value;    // linked; never null
+    Matrix *domain;   // null, or linked: every assignment to the slot must satisfy it
+};
+
+// Entry point of a call: function, call node, parent (may be null).
+using CallFn = Matrix *(*)(FuncRec *, PcNode *, Matrix *);
+
+// The code of a user function, shared by all its copies.
+struct FuncRecData {
+    uint32_t nshares;
+    Matrix *srcfile;      // linked
+    uint32_t nargs;
+    uint32_t nret_flags;  // outputs, plus mutator_flag if the text assigns to a field of parent
+    Vector *ctvars;       // CtVar of each slot
+    PcNode *entry;
+    CallFn call0, call1, call2, call3, call7;  // by the number of arguments at the call site
+    PcNode *pclib, *smpclib;
+    Pod *mempod;
+
+    static constexpr uint32_t mutator_flag = 10000;
+    bool isMutator() const { return nret_flags >= mutator_flag; }
+    uint32_t nret() const { return nret_flags % mutator_flag; }
+    bool hasOutputs() const { return nret() != 0; }
+};
+
+// A function object: the payload of a UF value.
+struct FuncRec {
+    FuncRecData *data;
+    int32_t npublic;     // public parameters come first in parms
+    Vector *parms;       // sfields; may be null
+    uint8_t is_member;   // grants access to private and readonly fields of its class
+    Xclass *owner;       // class it belongs to, or null
+};
+
+struct FuncFrame {
+    FuncRec *func;     // null at top level and in an automaton's frame
+    Xproc *proc;       // null, or the automaton
+    PcNode *pc;        // next statement
+    Vector *vars;      // the slots: all `cap` entries are Variables, `size` are in use
+    Matrix *parent;    // not linked: the caller keeps it alive
+    uint32_t *status;  // liveness cell, once an address of a local was taken
+
+    Variable *var(uint32_t k) const { return vars->at<Variable>(k); }
+};
+
+// ---- The stack.
+extern FuncFrame **funcvec;
+extern int32_t depth;         // 0 is the top level
+extern FuncFrame *top;        // funcvec[depth]
+extern Variable **topvarvec;  // entries of top->vars
+
+constexpr uint32_t n_ready_slots = 16;   // slots that every frame has
+constexpr int32_t max_frames = 2048;
+
+void initFuncStack();
+FuncFrame *newFunction(uint32_t n);
+void destroyFunction(FuncFrame *frame);
+FuncFrame *getNextFunc();  // the frame above the running one, not entered; recursion error at the limit
+void dumpFuncStack();      // unwinds everything after a failed command
+void dumpFuncStackTo(int32_t d);
+inline bool inTopLevel() { return depth == 0; }
+inline int32_t getStackDepth() { return depth; }
+FuncRec *getTopFuncRec();
+inline void enterFrame(FuncFrame *frame, int32_t at) {
+    depth = at;
+    top = frame;
+    topvarvec = reinterpret_cast<Variable **>(frame->vars->data);
+}
+
+// ---- Variables of the running frame.
+inline Variable *getVar(uint32_t k) { return topvarvec[k]; }
+inline Matrix *getVarMat(uint32_t k) { return topvarvec[k]->value; }
+uint32_t getVarNum();
+const char *getVarName(uint32_t k);
+Matrix *updVar(uint32_t k, Matrix *m);       // links m, drops the old value; no domain check
+void quickUpdVar(uint32_t k, Matrix *m);     // the old value was detached already
+Matrix *updateVariable(Variable *var, Matrix *m);
+Matrix *updLoopCounter(uint32_t k, Matrix *m);  // gives the variable the domain Class_D if it has none
+void addVar(uint32_t symbol, Matrix *domain);   // new slot of the top frame; domain may be null
+Vector *newVarList(uint32_t n);
+void growVarList(Vector *list, uint32_t n);
+void addToVarList(Vector *list, uint32_t symbol, Matrix *value, Matrix *domain);
+Variable *newVar(uint32_t symbol, Matrix *m);
+Variable *newLocalVar(Matrix *m);
+void freeVar(void *var);
+void disp_top_varvec_info();
+
+// ---- Function records.
+void setFuncExe(FuncRecData *data);   // chooses call0 to call7
+FuncRec *newFuncRec(FuncRecData *data);
+void freeFuncRec(FuncRec *f);
+Matrix *copyUf(Matrix *f);            // own parameters, shared code
+sfield *getParameter(uint32_t k);     // of the running function or automaton
+Matrix **getParentP();
+
+}  // namespace vesko

@@ -1,0 +1,53 @@
+// Conversion and cloning of values, and numbers read out of values. Converters and clones return new
+// temporaries and leave the operand alone, unless told otherwise.
+#pragma once
+
+#include "values/matrix.h"
+
+namespace vesko {
+
+// ---- Cloning
+Matrix *cloneMatrix(Matrix *m);  // deep copy; kinds that are immutable or shared come back as they are
+Matrix *cloneRM(const Matrix *m);
+Matrix *cloneRM_rowreverse(const Matrix *m);
+Matrix *cloneStrMat(const Matrix *m);
+Matrix *cloneListMat(const Matrix *m);
+Matrix *cloneVListMat(const Matrix *m);
+Matrix *cloneSetMat(const Matrix *m);
+void copyMat(Matrix *dst, const Matrix *src);
+void copyRealMat(Matrix *dst, const Matrix *src);  // src into the top left corner of a larger dst
+void copyIM(Matrix *dst, const Matrix *src);
+void copyBM(Matrix *dst, const Matrix *src);
+void copyCompMat(Matrix *dst, const Matrix *src);
+Matrix *theEleMat(uint32_t n);  // the identity as a real matrix
+bool sameDims(const Matrix *a, const Matrix *b);
+
+// ---- Conversion. A kind that cannot be converted ends the command with error_convert.
+Matrix *convToDb(const Matrix *m);
+Matrix *convToIntMat(const Matrix *m);
+Matrix *convToString(Matrix *m);  // a string comes back as it is
+Matrix *convToByteMat(const Matrix *m);
+Matrix *convToBinaryMat(const Matrix *m);
+Matrix *convToCM(const Matrix *m);
+void by_to_bi(Matrix *m);
+
+// ---- Numbers out of values: true on success; `m` is neither released nor changed.
+bool extract_RS(const Matrix *m, double &x);
+bool extract_CS(const Matrix *m, double &re, double &im);
+bool extract_integer(const Matrix *m, int32_t &n);  // refuses a fraction
+bool extract_2_reals(const Matrix *m, double &a, double &b);
+bool isIntMat(const Matrix *m);
+
+// Truncation of a double to a 32-bit integer, toward zero; out of range saturates, NaN gives 0.
+int32_t truncToInt(double x);
+
+// ---- Whole-matrix arithmetic
+Matrix *negateMat(Matrix *m, PcNode *node);
+Matrix *matpow_d(Matrix *m, int32_t n, PcNode *node);
+Matrix *matpow_i(Matrix *m, int32_t n, PcNode *node);
+Matrix *matpow_b(Matrix *m, int32_t n, PcNode *node);
+Matrix *matpow_n(Matrix *m, int32_t n, PcNode *node);
+Matrix *matpow_c(Matrix *m, int32_t n, PcNode *node);
+Matrix *matpow_generic(Matrix *m, int32_t n, PcNode *node);
+
+}  // namespace vesko
