@@ -8,8 +8,8 @@
 
 namespace vesko {
 
-// Works on the argument value (one argument as itself, several as a list) with the parameter values. Returns a
-// temporary, or one of its arguments; releases nothing.
+// Works on the argument value (one argument as itself, several as a list) with the parameter values. Returns
+// a temporary, or one of its arguments; releases nothing.
 using BfWorker = Matrix *(*)(Matrix *args, Matrix **parms, PcNode *node);
 
 enum class BfOperation : int { Create = 0, Spawn = 1, Reset = 3 };
@@ -24,14 +24,14 @@ struct BfInput {
 };
 
 struct Bfunc {
-    uint32_t name;     // symbol
-    bool noFold;       // never folded at parse time
+    uint32_t name;  // symbol
+    bool noFold;    // never folded at parse time
     BfWorker func;
     uint32_t nargs;
-    BfInput *inputs;   // shared by all copies
+    BfInput *inputs;          // shared by all copies
     BfMaintainer maintainer;  // null: cannot be spawned or reset
-    uint32_t nparms;   // parameters that a spawn must supply
-    Vector *parmNames; // field indices, shared; null without parameters
+    uint32_t nparms;          // parameters that a spawn must supply
+    Vector *parmNames;        // field indices, shared; null without parameters
     Vector *parmValues;
 };
 

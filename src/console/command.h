@@ -6,9 +6,6 @@
 
 namespace vesko {
 
-struct PcNode;
-struct Matrix;
-
 void initialize();
 [[noreturn]] void service();
 void processCmd();
@@ -16,15 +13,14 @@ void processCmd();
 // Every way out of a command jumps: back to the head of the cycle, or to the innermost try.
 [[noreturn]] void xAbort(const char *message);      // run-time errors; message may be null
 [[noreturn]] void parseError(const char *message);  // message may be null: shown already
-[[noreturn]] void parseRestart();
+[[noreturn]] void parseRestart();                   // no message, no entry in the history
+[[noreturn]] void returnToTopLevel();               // passes every try
 [[noreturn]] void leaveProgram(int status);         // ends the screen and the process
 
 std::FILE *openXFile(const char *name);  // through libpaths; null if not found
-std::FILE *openHFile(const char *name);  // a help text
-// One text line into a growing buffer, an LF and a NUL behind it; its length, 0 at the end of the file.
+std::FILE *openHFile(const char *name);  // a help text, null if there is none
+// Reads one text line into a growing buffer, puts an LF and a NUL behind it, and returns its length: 0 at the
+// end of the file. CR LF counts as one line end. `last_end` is 0 at the first call and kept by the caller.
 uint32_t xgetline(char *&buffer, uint32_t &capacity, std::FILE *stream, char &last_end);
-
-// ---- System commands
-uint32_t countSyscmds();
 
 }  // namespace vesko

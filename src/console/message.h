@@ -22,6 +22,6 @@ void vsaveErrorMesg(const char *format, va_list args);
 void printErrorMesg();
 void xPrintLineBrk(bool redraw, int kind);
 void xPutText(const char *text, uint32_t length);  // appends the bytes to the current line, uncut
-uint32_t getScreenWidth();  // columns for laying out values
+uint32_t getScreenWidth();                         // columns for laying out values
 
 }  // namespace vesko

@@ -1,7 +1,7 @@
 // The bottom layer of the console: two implementations, chosen once at start.
 //
-// The plain terminal serves pipes and files: commands from standard input line by line, every finished line to
-// standard output, no prompt, echo or colour. The full-screen terminal draws the worksheet's window.
+// The plain terminal serves pipes and files: commands from standard input line by line, every finished line
+// to standard output, no prompt, echo or colour. The full-screen terminal draws the worksheet's window.
 #pragma once
 
 #include <cstdint>
@@ -12,23 +12,28 @@ struct Vsline;
 
 class Terminal {
 public:
-    virtual ~Terminal() = default;
     virtual uint32_t rows() const = 0;
     virtual uint32_t columns() const = 0;
-    // A line will not be appended to any more for now: the next one begins, or input is awaited.
+
+    // The line is complete: another one begins.
     virtual void lineFinished(const Vsline &line) = 0;
+
     // Shows the present state of the worksheet.
     virtual void redraw() = 0;
-    // Lets the user complete the current command: on return it has a line more to read, or the input has ended.
-    // Returns false at the end of the input.
+
+    // Lets the user type at the end of the worksheet's current line, until Enter; false at the end of the
+    // input. Awaits keys: an interrupt may jump out of it.
     virtual bool editCommand() = 0;
-    // One line of input for a program; false at the end of the input. The text is read off the current line.
-    virtual bool readInputLine() = 0;
+
+    // Before the process ends: nothing may be left unshown, the terminal is as it was found.
     virtual void finish() = 0;
+
+protected:
+    ~Terminal() = default;
 };
 
 extern Terminal *terminal;
-void initScreen();    // chooses the terminal
+void initScreen();  // chooses the terminal and settles the worksheet's size
 void finishScreen();
 
 }  // namespace vesko

@@ -7,19 +7,19 @@
 namespace vesko {
 
 enum class LineKind : int {
-    Head = 0,          // first line of a command, with the prompt
+    Head = 0,  // first line of a command, with the prompt
     Continuation = 1,
     Free = 2,
-    FirstOutput = 3,   // first line of an output or a message
+    FirstOutput = 3,  // first line of an output or a message
     Output = 4,
     BecomingContinuation = 5,
-    Input = 6,         // keyboard input asked for by a program
+    Input = 6,  // keyboard input asked for by a program
 };
 
 constexpr uint32_t prompt_width = 3;
 
 struct Vsline {
-    char *text;         // no terminator; a command line begins with prompt_width columns of prompt
+    char *text;  // no terminator; a command line begins with prompt_width columns of prompt
     uint32_t capacity;
     LineKind kind;
     uint32_t length;
@@ -33,13 +33,13 @@ struct Worksheet {
     uint32_t rows, columns;
     Vsline *head, *tail;
     Vsline *freelines;
-    Vsline *current;               // with the cursor
-    Vsline *top;                   // at the screen's top row
-    Vsline *cmdfirst, *cmdlast;    // the command being entered
-    Vsline *readline;              // where getChar reads
+    Vsline *current;             // with the cursor
+    Vsline *top;                 // at the screen's top row
+    Vsline *cmdfirst, *cmdlast;  // the command being entered
+    Vsline *readline;            // where getChar reads
     uint32_t readpos;
     uint32_t topindex;
-    bool ready;                    // a complete command line has been entered and is being read
+    bool ready;  // a complete command line has been entered and is being read
     bool edited;
     uint32_t cursorx, cursory;
     uint32_t nlines;
@@ -48,19 +48,20 @@ struct Worksheet {
     long lastdraw;
 };
 extern Worksheet vscr;
-extern bool cmdbuffstat;   // false: the command lines stay for the next cycle and are read again
+extern bool cmdbuffstat;  // false: the command lines stay for the next cycle and are read again
 
-void setScreenAttr();      // makes the first line
-int getChar();             // next character of the command, or end_of_input
-void grabLine();
-void initVideoBuf();       // starts a new command
+void setScreenAttr();  // makes the first line
+int getChar();         // next character of the command, or end_of_input
+bool grabLine();       // lets the user complete a line of the command; false at the end of the input
+void initVideoBuf();   // starts a new command
 void setCmdBuffStat();
 Vsline *createVsline();
 void addlnbrk(bool redraw, LineKind kind, bool force);
 void printStr(const char *text, uint32_t length, bool redraw);
 void freshScr();
-
-// ---- History
-void writeCmdHist();
+void clearWindow();           // forgets every line above the current one
+void reset_cwmode(int mode);  // 0 command mode, 1 worksheet mode, 2 no display; -1 toggles the first two
+int getcwmode();
+inline bool cwmode_nodisplay() { return getcwmode() == 2; }
 
 }  // namespace vesko

@@ -18,9 +18,9 @@ struct Xclass;
 struct FuncFrame;
 
 struct Variable {
-    int32_t name;     // symbol index; no_value for a slot of a function's frame
-    Matrix *value;    // linked; never null
-    Matrix *domain;   // null, or linked: every assignment to the slot must satisfy it
+    int32_t name;    // symbol index; no_value for a slot of a function's frame
+    Matrix *value;   // linked; never null
+    Matrix *domain;  // null, or linked: every assignment to the slot must satisfy it
 };
 
 // Entry point of a call: function, call node, parent (may be null).
@@ -29,7 +29,7 @@ using CallFn = Matrix *(*)(FuncRec *, PcNode *, Matrix *);
 // The code of a user function, shared by all its copies.
 struct FuncRecData {
     uint32_t nshares;
-    Matrix *srcfile;      // linked
+    Matrix *srcfile;  // linked
     uint32_t nargs;
     uint32_t nret_flags;  // outputs, plus mutator_flag if the text assigns to a field of parent
     Vector *ctvars;       // CtVar of each slot
@@ -47,10 +47,10 @@ struct FuncRecData {
 // A function object: the payload of a UF value.
 struct FuncRec {
     FuncRecData *data;
-    int32_t npublic;     // public parameters come first in parms
-    Vector *parms;       // sfields; may be null
-    uint8_t is_member;   // grants access to private and readonly fields of its class
-    Xclass *owner;       // class it belongs to, or null
+    int32_t npublic;    // public parameters come first in parms
+    Vector *parms;      // sfields; may be null
+    uint8_t is_member;  // grants access to private and readonly fields of its class
+    Xclass *owner;      // class it belongs to, or null
 };
 
 struct FuncFrame {
@@ -70,7 +70,7 @@ extern int32_t depth;         // 0 is the top level
 extern FuncFrame *top;        // funcvec[depth]
 extern Variable **topvarvec;  // entries of top->vars
 
-constexpr uint32_t n_ready_slots = 16;   // slots that every frame has
+constexpr uint32_t n_ready_slots = 16;  // slots that every frame has
 constexpr int32_t max_frames = 2048;
 
 void initFuncStack();
@@ -93,8 +93,8 @@ inline Variable *getVar(uint32_t k) { return topvarvec[k]; }
 inline Matrix *getVarMat(uint32_t k) { return topvarvec[k]->value; }
 uint32_t getVarNum();
 const char *getVarName(uint32_t k);
-Matrix *updVar(uint32_t k, Matrix *m);       // links m, drops the old value; no domain check
-void quickUpdVar(uint32_t k, Matrix *m);     // the old value was detached already
+Matrix *updVar(uint32_t k, Matrix *m);    // links m, drops the old value; no domain check
+void quickUpdVar(uint32_t k, Matrix *m);  // the old value was detached already
 Matrix *updateVariable(Variable *var, Matrix *m);
 Matrix *updLoopCounter(uint32_t k, Matrix *m);  // gives the variable the domain Class_D if it has none
 void addVar(uint32_t symbol, Matrix *domain);   // new slot of the top frame; domain may be null
@@ -107,11 +107,11 @@ void freeVar(void *var);
 void disp_top_varvec_info();
 
 // ---- Function records.
-void setFuncExe(FuncRecData *data);   // chooses call0 to call7
+void setFuncExe(FuncRecData *data);  // chooses call0 to call7
 FuncRec *newFuncRec(FuncRecData *data);
 void freeFuncRec(FuncRec *f);
-Matrix *copyUf(Matrix *f);            // own parameters, shared code
-sfield *getParameter(uint32_t k);     // of the running function or automaton
+Matrix *copyUf(Matrix *f);         // own parameters, shared code
+sfield *getParameter(uint32_t k);  // of the running function or automaton
 Matrix **getParentP();
 
 }  // namespace vesko

@@ -1,8 +1,8 @@
 // Keyboard interrupts and the guard of the machine stack.
 //
 // SIGINT jumps to the top level at once from pure computing. Code whose state must not be abandoned half-way
-// (the heap, pool growth, container updates, the terminal, other libraries) holds the interrupt; a pending one
-// fires when the counter returns to 0. Every recovery point resets the counter.
+// (the heap, pool growth, container updates, the terminal, other libraries) holds the interrupt; a pending
+// one fires when the counter returns to 0. Every recovery point resets the counter.
 #pragma once
 
 #include <csignal>
@@ -27,14 +27,15 @@ inline void resetInterruptHold() {
     interrupt_pending = 0;
 }
 
-// ---- Stack guard. Recursive entry points (evaluation, parsing, cloning, comparing, display) test the distance
-// to the end of the machine stack.
+// ---- Stack guard. Recursive entry points (evaluation, parsing, cloning, comparing, display) test the
+// distance to the end of the machine stack.
 extern char *stack_limit;
 void growMachineStack();  // at start
 inline bool stackLow() { return static_cast<char *>(__builtin_frame_address(0)) < stack_limit; }
 [[noreturn]] void error_recursion_too_deep();
 inline void guardStack() {
-    if (stackLow()) [[unlikely]] error_recursion_too_deep();
+    if (stackLow()) [[unlikely]]
+        error_recursion_too_deep();
 }
 
 }  // namespace vesko

@@ -31,10 +31,10 @@ using ExecFn = Matrix *(*)(PcNode *);
 
 struct PcNode {
     NodeKind kind;
-    int32_t value;   // what the kind says: a variable, global, field, built-in, ...; or no_value
-    uint32_t ncub;   // number of children
-    uint32_t line;   // source line, for messages
-    Matrix *file;    // linked: name of the source file; not a string for the console
+    int32_t value;  // what the kind says: a variable, global, field, built-in, ...; or no_value
+    uint32_t ncub;  // number of children
+    uint32_t line;  // source line, for messages
+    Matrix *file;   // linked: name of the source file; not a string for the console
     ExecFn exec;
     union {
         PcNode **cub;      // the children

@@ -1,7 +1,7 @@
 // Expressions, targets of assignment, aggregates and definitions: token lists to nodes.
 //
-// A token list is consumed by its cut: it can be parsed once. Every failure is a parse error, shown by xMesg and
-// ended by parseError; nothing returns a failure.
+// A token list is consumed by its cut: it can be parsed once. Every failure is a parse error, shown by xMesg
+// and ended by parseError; nothing returns a failure.
 #pragma once
 
 #include <cstdint>
@@ -19,12 +19,12 @@ PcNode *processTokenAtom(Token *token);
 PcNode *newNumNode(double value, uint32_t line);
 PcNode *newZNumNode(double value, uint32_t line);
 PcNode *newBNumNode(double value, uint32_t line);
-void setOpr(PcNode *node, Opr op);      // kind and handler, specialised where the operands allow
-void setAsgnOpr(PcNode *node);          // a node that reads a place becomes one that assigns to it
+void setOpr(PcNode *node, Opr op);  // kind and handler, specialised where the operands allow
+void setAsgnOpr(PcNode *node);      // a node that reads a place becomes one that assigns to it
 Opr cmpasgn2opr(Opr op);
 bool lv_has_par(const PcNode *node);
-bool is_ds_var_node(const PcNode *node);   // a variable of the domain of real scalars
-PcNode *copyIfProtected(PcNode *node);     // a running loop counter is read by copy
+bool is_ds_var_node(const PcNode *node);  // a variable of the domain of real scalars
+PcNode *copyIfProtected(PcNode *node);    // a running loop counter is read by copy
 
 // ---- Targets of assignment. The c forms create the variable.
 PcNode *getLValueNode(Token *tokens);
@@ -46,11 +46,11 @@ enum class IndexMode : int { Assign = -1, Entry = 0, Read = 1 };
 PcNode *makeMatRefNode(PcNode *base, Token *group, IndexMode mode);
 PcNode *makeListEntryNode(PcNode *base, Token *tokens);
 PcNode *makeHashEntryNode(PcNode *base, Token *tokens);
-PcNode *topReference();     // the node that `$` stands for, or null
+PcNode *topReference();  // the node that `$` stands for, or null
 void resetRefStackPtr();
 
 // ---- Definitions
-PcNode *makeFunctionNode(InstNode *inst, uint32_t line);                   // function ... end
+PcNode *makeFunctionNode(InstNode *inst, uint32_t line);                    // function ... end
 PcNode *makeOneLineFunctionNode(Token *left, Token *right, uint32_t line);  // x -> e
 uint32_t findParameter(uint32_t symbol);
 uint32_t findIntParameter(uint32_t symbol);

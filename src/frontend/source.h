@@ -1,5 +1,5 @@
-// The source stack: where characters come from. A running file stands above the source that ran it; the bottom
-// is the console.
+// The source stack: where characters come from. A running file stands above the source that ran it; the
+// bottom is the console.
 #pragma once
 
 #include <cstdint>
@@ -10,11 +10,11 @@ namespace vesko {
 struct Matrix;
 
 struct VSFileList {
-    Matrix *name;    // linked: a string, or the empty value for the console
-    std::FILE *file; // null for the console
-    uint32_t line;   // lines taken so far
-    char extra[4];   // characters pushed back, last pushed first
-    bool after_cr;   // the last character was a CR: a following LF is skipped
+    Matrix *name;     // linked: a string, or the empty value for the console
+    std::FILE *file;  // null for the console
+    uint32_t line;    // lines taken so far
+    char extra[4];    // characters pushed back, last pushed first
+    bool after_cr;    // the last character was a CR: a following LF is skipped
     VSFileList *next;
 };
 

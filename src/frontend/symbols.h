@@ -15,7 +15,7 @@ constexpr uint32_t not_found = 0x7FFFFFFF;
 // ---- Symbols and field names: two numberings of names, compared as integers.
 uint32_t findSymbolIndex(const char *text);  // interns
 const char *getSymbolName(uint32_t symbol);
-uint32_t findFieldIndex(uint32_t symbol);    // adds
+uint32_t findFieldIndex(uint32_t symbol);  // adds
 uint32_t findFieldIndexByStr(const char *text);
 uint32_t rtFindFieldIndexByStr(const char *text);  // never adds a field
 const char *getFieldName(uint32_t field);
@@ -36,12 +36,12 @@ extern uint32_t SYMBOL_INDEX_APPLY, SYMBOL_INDEX_APPROVE, SYMBOL_INDEX_VALIDATE,
 // ---- Compile-time variables.
 // What is known of a variable's default value and domain at compile time.
 enum class DomainMode : uint8_t {
-    KnownKnown,    // 0: default and domain known
-    RunRun,        // 1: both at run time
-    KnownRun,      // 2: default known
-    RunKnown,      // 3: domain known
-    KnownFree,     // 4: default known, no domain
-    RunFree,       // 5: no domain
+    KnownKnown,  // 0: default and domain known
+    RunRun,      // 1: both at run time
+    KnownRun,    // 2: default known
+    RunKnown,    // 3: domain known
+    KnownFree,   // 4: default known, no domain
+    RunFree,     // 5: no domain
 };
 struct CtVar {
     uint32_t symbol;
@@ -57,10 +57,10 @@ struct CtVar {
 
 // What is being compiled: the top level, a function or an automaton.
 struct CtScope {
-    Vector *vars;        // CtVar
-    Vector *protect;     // indices of running loop counters
-    Vector *parms;       // sfields of the function being compiled; may be null
-    char kind;           // 'F' function and top level, 'P' automaton
+    Vector *vars;     // CtVar
+    Vector *protect;  // indices of running loop counters
+    Vector *parms;    // sfields of the function being compiled; may be null
+    char kind;        // 'F' function and top level, 'P' automaton
     PcNode *pclib, *smpclib;
     PcNode *returnnode;  // target of return; may be null
     Pod *mempod;         // children arrays
@@ -68,17 +68,17 @@ struct CtScope {
     uint32_t loopdepth, blockdepth;
     uint32_t nin, nout;
     CtScope *parent;
-    CtScope *child;      // kept for reuse
+    CtScope *child;  // kept for reuse
 };
 
-extern CtScope *ctscope;      // the current one
-extern uint32_t progstkdepth; // scopes open above the top one
-extern Pod *freemempod;       // free pods of all scopes
+extern CtScope *ctscope;       // the current one
+extern uint32_t progstkdepth;  // scopes open above the top one
+extern Pod *freemempod;        // free pods of all scopes
 
 void setTopVarList();
 void throwVars();  // drops everything compile-time that the last command left
 
-uint32_t findVarIndex(uint32_t symbol);   // or not_found
+uint32_t findVarIndex(uint32_t symbol);  // or not_found
 CtVar *getCtVar(uint32_t k);
 uint32_t cFindVarIndex(uint32_t symbol);  // creates
 uint32_t cFindVarIndexWithDomain(uint32_t symbol, PcNode *in_node);
@@ -96,7 +96,7 @@ bool non_trivial_io_args(PcNode *outputs, PcNode *inputs);
 
 // ---- Globals.
 extern Vector *glbvarvec;
-uint32_t getHashCode(const char *text);  // bucket of a name
+uint32_t getHashCode(const char *text);          // bucket of a name
 uint32_t addGv(uint32_t symbol, Matrix *value);  // the newest entry of a name wins
 uint32_t addGvWithDomain(uint32_t symbol, Matrix *value, Matrix *domain);
 uint32_t findGv(uint32_t symbol);

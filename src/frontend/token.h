@@ -30,12 +30,12 @@ enum class KeywordId : int32_t {
 struct Token {
     TokenKind kind;
     union {
-        double number;       // Number, Imaginary, Integer, NumberJoin, Byte
-        uint32_t symbol;     // Identifier
-        KeywordId keyword;   // Keyword
-        char *text;          // Regexp, Regsub, Translit, BigInt, Mpf, String
-        Token *first;        // ParenGroup, BracketGroup, BraceGroup: first token inside, or null
-        InstNode *inst;      // FunctionBlock, ClassBlock, ConditionalBlock, AutomatonBlock
+        double number;      // Number, Imaginary, Integer, NumberJoin, Byte
+        uint32_t symbol;    // Identifier
+        KeywordId keyword;  // Keyword
+        char *text;         // Regexp, Regsub, Translit, BigInt, Mpf, String
+        Token *first;       // ParenGroup, BracketGroup, BraceGroup: first token inside, or null
+        InstNode *inst;     // FunctionBlock, ClassBlock, ConditionalBlock, AutomatonBlock
     };
     uint32_t line;
     Token *next;

@@ -29,7 +29,9 @@ extern const InPlaceFn addfun[n_pairs], dedfun[n_pairs], mulfun[n_pairs], divfun
 
 inline Matrix *getMatSum(Matrix *a, Matrix *b, PcNode *node) { return sumfun[pairIndex(a, b)](a, b, node); }
 inline Matrix *getMatSub(Matrix *a, Matrix *b, PcNode *node) { return subfun[pairIndex(a, b)](a, b, node); }
-inline Matrix *getMatProduct(Matrix *a, Matrix *b, PcNode *node) { return mpyfun[pairIndex(a, b)](a, b, node); }
+inline Matrix *getMatProduct(Matrix *a, Matrix *b, PcNode *node) {
+    return mpyfun[pairIndex(a, b)](a, b, node);
+}
 inline Matrix *getMatSlash(Matrix *a, Matrix *b, PcNode *node) { return dvdfun[pairIndex(a, b)](a, b, node); }
 inline Matrix *getMatBsl(Matrix *a, Matrix *b, PcNode *node) { return bslfun[pairIndex(b, a)](b, a, node); }
 inline Matrix *getMatPow(Matrix *a, Matrix *b, PcNode *node) { return powfun[pairIndex(a, b)](a, b, node); }
@@ -62,7 +64,8 @@ bool testMatTsubset(Matrix *a, Matrix *b, PcNode *node);
 // ---- Membership: 0, or the position of the first matching element, or 1.
 uint32_t memberOfSet(Matrix *value, Matrix *domain, PcNode *node);
 
-// ---- Intervals: merges (lower, upper, lower flag, upper flag) into a sorted disjoint array of `count` groups.
+// ---- Intervals: merges (lower, upper, lower flag, upper flag) into a sorted disjoint array of `count`
+// groups.
 uint32_t add_interval(uint32_t count, double *array, const double *interval);
 
 }  // namespace vesko

@@ -10,13 +10,16 @@ struct Matrix;
 
 // ---- Vector: a growable array of words. Index vectors keep numbers in the words.
 struct Vector {
-    uint32_t size;     // entries in use
-    uint32_t libclass; // capacity class
-    uint32_t cap;      // capacity in entries
+    uint32_t size;      // entries in use
+    uint32_t libclass;  // capacity class
+    uint32_t cap;       // capacity in entries
     void **data;
-    Vector *next;      // link in the free list of the class
+    Vector *next;  // link in the free list of the class
 
-    template <class T> T *at(uint32_t i) const { return static_cast<T *>(data[i]); }
+    template <class T>
+    T *at(uint32_t i) const {
+        return static_cast<T *>(data[i]);
+    }
     uintptr_t numberAt(uint32_t i) const { return reinterpret_cast<uintptr_t>(data[i]); }
     Matrix *matAt(uint32_t i) const { return static_cast<Matrix *>(data[i]); }
 };
@@ -26,7 +29,7 @@ inline void *asEntry(uintptr_t number) { return reinterpret_cast<void *>(number)
 void initVecLib();
 Vector *newVector(uint32_t n);
 inline void *elementAt(const Vector *v, uint32_t i) { return v->data[i]; }
-uint32_t addElement(Vector *v, void *e);  // index of the entry
+uint32_t addElement(Vector *v, void *e);      // index of the entry
 void removeElementAt(Vector *v, uint32_t i);  // the last entry takes the place
 bool removeElement(Vector *v, void *e);
 void removeElement_order_preserved(Vector *v, uint32_t i);
@@ -36,7 +39,7 @@ void extendVectorBuffer(Vector *v, uint32_t n, uint32_t used);
 using FreeEntryFn = void (*)(void *);
 void freeVector(Vector *v, FreeEntryFn f);  // null-safe; f, when given, is called on each entry
 void emptyVector(Vector *v, FreeEntryFn f);
-void releaseEntry(void *mat);  // ucReleaseMat for use as FreeEntryFn
+void releaseEntry(void *mat);                      // ucReleaseMat for use as FreeEntryFn
 uint32_t appendMatVecEntry(Vector *v, Matrix *m);  // links m
 void updateMatVecEntry(Vector *v, uint32_t i, Matrix *m);
 void copyMatVec(Vector *dst, const Vector *src);
@@ -95,10 +98,10 @@ void addListEntry(Matrix *list, Matrix *m);  // links m; the list must have room
 
 // ---- Struct fields: also the parameters of functions.
 struct sfield {
-    uint8_t flag;     // attribute
-    uint32_t index;   // field index
-    Matrix *domain;   // linked
-    Matrix *value;    // linked
+    uint8_t flag;    // attribute
+    uint32_t index;  // field index
+    Matrix *domain;  // linked
+    Matrix *value;   // linked
 };
 sfield *newSfield(uint32_t index, Matrix *value, Matrix *domain);
 void freeSfield(void *field);
@@ -123,7 +126,7 @@ struct xqueue {
 };
 xstack *newXstack();
 Matrix *pushStack(xstack *s, Matrix *m);  // theTrueMat
-Matrix *popStack(xstack *s);  // detached; theEmptyMat when there is none
+Matrix *popStack(xstack *s);              // detached; theEmptyMat when there is none
 xstack *copyStack(const xstack *s);
 void freeStack(xstack *s);
 xqueue *newQueue();

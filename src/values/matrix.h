@@ -19,9 +19,50 @@ constexpr unsigned n_families = 5;
 
 // Detailed tag. Kinds below LS are numeric; the numbers are fixed.
 enum class L2 : uint8_t {
-    IM, RNG, IS, RM, RS, BY, BI, UPPER, LOWER, SYMM, BAND, SPARSE, PM, BIGINT, MPF, CS, CM,
-    LS, VL, UF, BF, OBJ, RMDM, CMDM, TX, ITV, PTR, FSET, RNG0, NUL, COMPLETE, CLASS, REGEXP,
-    AUTOMATON, STACK, QUEUE, HASH, COND, VARADDR, DNE, PTRSET, FILEH, GV, ODE,
+    IM,
+    RNG,
+    IS,
+    RM,
+    RS,
+    BY,
+    BI,
+    UPPER,
+    LOWER,
+    SYMM,
+    BAND,
+    SPARSE,
+    PM,
+    BIGINT,
+    MPF,
+    CS,
+    CM,
+    LS,
+    VL,
+    UF,
+    BF,
+    OBJ,
+    RMDM,
+    CMDM,
+    TX,
+    ITV,
+    PTR,
+    FSET,
+    RNG0,
+    NUL,
+    COMPLETE,
+    CLASS,
+    REGEXP,
+    AUTOMATON,
+    STACK,
+    QUEUE,
+    HASH,
+    COND,
+    VARADDR,
+    DNE,
+    PTRSET,
+    FILEH,
+    GV,
+    ODE
 };
 constexpr unsigned n_kinds = 44;
 
@@ -46,11 +87,11 @@ constexpr uint32_t status_singleton = 1073741823;
 struct Matrix {
     L1 l1type;
     L2 l2type;
-    uint8_t libidx;   // class of the pool the record belongs to
+    uint8_t libidx;  // class of the pool the record belongs to
     uint32_t status;
-    int32_t depth;    // depth of the call stack when the record was handed out
+    int32_t depth;  // depth of the call stack when the record was handed out
     uint32_t nrows, ncols, length;
-    uint32_t cap;     // doubles in the real pool, bytes in the general pool
+    uint32_t cap;  // doubles in the real pool, bytes in the general pool
     double *rdata;
     void *vdata;
 
@@ -60,7 +101,7 @@ struct Matrix {
     Matrix **entries() const { return static_cast<Matrix **>(vdata); }  // LS, VL
     Matrix *re() const { return static_cast<Matrix **>(vdata)[0]; }     // CS, CM
     Matrix *im() const { return static_cast<Matrix **>(vdata)[1]; }
-    double first() const { return rdata[0]; }                           // RNG
+    double first() const { return rdata[0]; }  // RNG
     double step() const { return rdata[1]; }
     hashtable *table() const { return static_cast<hashtable *>(vdata); }  // HASH, FSET
     FuncRec *func() const { return static_cast<FuncRec *>(vdata); }       // UF
@@ -122,14 +163,15 @@ inline Matrix *replaceMat(Matrix *&slot, Matrix *m) {
 // Each returns a temporary. Sizes are element counts; bytes only in allocGMat. A product of sizes that does
 // not fit a record, or memory that is refused, ends the command.
 
-Matrix *allocRealMat(uint32_t length, uint32_t rows, uint32_t cols);      // elements undefined; length 0 is fatal
+Matrix *allocRealMat(uint32_t length, uint32_t rows, uint32_t cols);  // elements undefined; length 0 is fatal
 Matrix *allocRealMat_ini(uint32_t length, uint32_t rows, uint32_t cols);  // elements 0.0
 Matrix *newZerosMat(uint32_t rows, uint32_t cols);
 Matrix *newRealScalarMat(double x);
 Matrix *allocCompMat(uint32_t length, uint32_t rows, uint32_t cols);  // parts undefined, each linked once
 Matrix *newCompMat(Matrix *re, Matrix *im);  // takes both parts: expands a scalar part, clones linked ones
 Matrix *newCompScalarMat(double re, double im);
-Matrix *allocGMat(size_t bytes);  // general pool, vdata of at least that size; tags and sizes are the caller's
+Matrix *allocGMat(
+    size_t bytes);  // general pool, vdata of at least that size; tags and sizes are the caller's
 Matrix *newStrMat(uint32_t size_with_nul);
 Matrix *newStrMatCopy(const char *text);
 Matrix *newStrMatCopyN(const char *text, uint32_t length);
@@ -164,9 +206,15 @@ uint32_t checkedLength(uint64_t rows, uint64_t cols);
 // ---- Singletons --------------------------------------------------------------------------------
 
 namespace detail {
-extern Matrix *const empmat, *const nullmat, *const dnemat, *const truemat, *const falsemat, *const negonemat,
-    *const nlogbasemat, *const nanmat, *const infmat, *const ninfmat, *const completemat, *const rng0mat,
-    *const empstrmat;
+extern Matrix *const empmat,
+    *const nullmat, *const dnemat, *const truemat,
+                                       *const falsemat,
+                                           *const negonemat,
+                                               *const nlogbasemat,
+                                                   *const nanmat, *const infmat, *const ninfmat,
+                                                                                     *const completemat,
+                                                                                         *const rng0mat,
+                                                                                             *const empstrmat;
 }
 inline Matrix *theEmptyMat() { return detail::empmat; }
 inline Matrix *theDummyMat() { return detail::empmat; }

@@ -17,13 +17,22 @@ void m_free(void *p, size_t size);
 char *strClone(const char *s);  // plain malloc, not counted
 int32_t get_total_mem_allocated();
 
-template <class T> T *mallocArray(size_t n) { return static_cast<T *>(m_malloc(n * sizeof(T))); }
+template <class T>
+T *mallocArray(size_t n) {
+    return static_cast<T *>(m_malloc(n * sizeof(T)));
+}
 
 // ---- Small blocks: four stocks; larger requests end the command. Give the same size back.
 void *newMemBlock(size_t size);
 void recycleMemBlock(void *p, size_t size);
-template <class T> T *newBlock() { return static_cast<T *>(newMemBlock(sizeof(T))); }
-template <class T> void recycleBlock(T *p) { recycleMemBlock(p, sizeof(T)); }
+template <class T>
+T *newBlock() {
+    return static_cast<T *>(newMemBlock(sizeof(T)));
+}
+template <class T>
+void recycleBlock(T *p) {
+    recycleMemBlock(p, sizeof(T));
+}
 void initmbvec();
 
 // ---- Liveness cells. A cell with value 0 is free; see takeVarAddr.

@@ -1,0 +1,102 @@
+// The command cycle: bringing up the subsystems, the endless loop, and the ways back to its head.
+#include "console/command.h"
+
+#include <csetjmp>
+#include <cstdlib>
+#include <ctime>
+
+#include "builtins/bfunc.h"
+#include "console/history.h"
+#include "console/message.h"
+#include "console/terminal.h"
+#include "console/worksheet.h"
+#include "engine/exceptions.h"
+#include "engine/frame.h"
+#include "engine/interrupt.h"
+#include "engine/node.h"
+#include "frontend/inst.h"
+#include "frontend/symbols.h"
+#include "frontend/token.h"
+#include "values/audit.h"
+#include "values/containers.h"
+#include "values/display.h"
+#include "values/memory.h"
+
+namespace vesko {
+
+// The return point of the top level.
+static sigjmp_buf env;
+
+void initialize() {
+    growMachineStack();
+    initVecLib();
+    initmbvec();
+    setScreenAttr();  // makes the first line, before the terminal exists
+    initScreen();
+    initMatLib();
+    initFuncStack();
+    setTopVarList();  // stands before all that interns a name
+    setTreeOprnFunc();
+    startLexMachine();
+    setTokOpr();
+    setOprPriority();
+    std::srand(static_cast<unsigned>(std::time(nullptr)));
+    setBfunc();
+    initDisplayFormat();
+}
+
+// What a command left behind. All clean-up stands at the head of the next one, because control can leave any
+// function by a jump.
+static void cleanUp() {
+    throwVars();
+    dumpFuncStack();
+    cleanTempMats();
+}
+
+void processCmd() {
+    cleanUp();
+    auditLinks();
+    setCmdBuffStat();
+    PcNode *root = buildPcTree();
+    writeCmdHist();
+    getTreeVal(root);
+}
+
+void service() {
+    installIntHandler();
+    if (sigsetjmp(env, 1) != 0) {
+        resetInterruptHold();
+        resetExceptions();
+        cleanUp();
+        freshScr();
+    }
+    for (;;) {
+        processCmd();
+        freshScr();
+    }
+}
+
+void returnToTopLevel() { siglongjmp(env, 1); }
+
+void xAbort(const char *message) {
+    if (message) xMesg("%s", message);
+    if (anythingIsCaught()) jumpToCatch();
+    printErrorMesg();
+    returnToTopLevel();
+}
+
+void parseError(const char *message) {
+    if (message) xMesg("%s", message);
+    writeCmdHist();
+    returnToTopLevel();
+}
+
+void parseRestart() { returnToTopLevel(); }
+
+void leaveProgram(int status) {
+    holdInterrupt();
+    finishScreen();
+    std::_Exit(status);
+}
+
+}  // namespace vesko

@@ -1,0 +1,110 @@
+// The plain terminal: standard input and output as streams of lines, 80 columns by 24 rows.
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+#include "console/terminal.h"
+#include "console/worksheet.h"
+#include "engine/interrupt.h"
+#include "values/memory.h"
+
+namespace vesko {
+namespace {
+
+class PlainTerminal final : public Terminal {
+public:
+    uint32_t rows() const override { return 24; }
+    uint32_t columns() const override { return 80; }
+    void lineFinished(const Vsline &line) override;
+    void redraw() override { vscr.drawn = true; }
+    bool editCommand() override;
+    void finish() override { lineFinished(*vscr.current); }
+
+private:
+    bool fillInput();
+
+    // A person at a terminal sees the prompt; a pipe does not.
+    const bool prompts_ = isatty(STDIN_FILENO) && isatty(STDOUT_FILENO);
+    uint32_t blank_lines_ = 0;  // empty output lines that only more output below brings out
+    char input_[65536];
+    size_t input_pos_ = 0, input_end_ = 0;
+};
+
+void writeAll(const char *text, size_t length) {
+    while (length > 0) {
+        ssize_t written = write(STDOUT_FILENO, text, length);
+        if (written < 0 && errno == EINTR) continue;
+        if (written <= 0) return;
+        text += written;
+        length -= static_cast<size_t>(written);
+    }
+}
+
+void PlainTerminal::lineFinished(const Vsline &line) {
+    if (line.kind != LineKind::FirstOutput && line.kind != LineKind::Output) return;
+    if (line.kind == LineKind::FirstOutput) blank_lines_ = 0;
+    if (line.kind == LineKind::Output && line.length == 0) {
+        ++blank_lines_;
+        return;
+    }
+    for (; blank_lines_ > 0; --blank_lines_) writeAll("\n", 1);
+    char small[512];
+    if (line.length < sizeof small) {
+        std::memcpy(small, line.text, line.length);
+        small[line.length] = '\n';
+        writeAll(small, line.length + 1);
+    } else {
+        writeAll(line.text, line.length);
+        writeAll("\n", 1);
+    }
+}
+
+// More bytes from standard input. The read can be left by an interrupt at any time: nothing has been taken
+// then.
+bool PlainTerminal::fillInput() {
+    for (;;) {
+        ssize_t got = read(STDIN_FILENO, input_, sizeof input_);
+        if (got < 0 && errno == EINTR) continue;
+        if (got <= 0) return false;
+        input_pos_ = 0;
+        input_end_ = static_cast<size_t>(got);
+        return true;
+    }
+}
+
+bool PlainTerminal::editCommand() {
+    bool got_text = false;
+    if (prompts_) writeAll(vscr.current->text, vscr.current->length);
+    for (;;) {
+        if (input_pos_ == input_end_ && !fillInput()) return got_text;
+        got_text = true;
+        const char *begin = input_ + input_pos_;
+        size_t length = input_end_ - input_pos_;
+        const auto *end = static_cast<const char *>(std::memchr(begin, '\n', length));
+        if (end) length = static_cast<size_t>(end - begin);
+        holdInterrupt();
+        printStr(begin, static_cast<uint32_t>(length), false);
+        input_pos_ += length + (end ? 1 : 0);
+        if (end && vscr.current->length > prompt_width &&
+            vscr.current->text[vscr.current->length - 1] == '\r')
+            --vscr.current->length;
+        freeInterrupt();
+        if (end) return true;
+    }
+}
+
+PlainTerminal plain_terminal;
+
+}  // namespace
+
+Terminal *terminal = &plain_terminal;
+
+void initScreen() {
+    vscr.rows = terminal->rows();
+    vscr.columns = terminal->columns();
+}
+
+void finishScreen() { terminal->finish(); }
+
+}  // namespace vesko

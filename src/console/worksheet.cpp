@@ -1,0 +1,235 @@
+// The worksheet's lines: making, recycling and filling them, and reading the current command's characters.
+#include "console/worksheet.h"
+
+#include <cstring>
+
+#include "console/terminal.h"
+#include "engine/interrupt.h"
+#include "frontend/source.h"
+#include "frontend/token.h"
+#include "values/memory.h"
+
+namespace vesko {
+
+Worksheet vscr = {};
+bool cmdbuffstat = true;
+
+static constexpr uint32_t line_capacity = 512;
+static constexpr uint32_t kept_lines = 2048;  // lines above the screen before the oldest is recycled
+
+// ---- The list of lines
+
+static void unlinkLine(Vsline *line) {
+    (line->prev ? line->prev->next : vscr.head) = line->next;
+    (line->next ? line->next->prev : vscr.tail) = line->prev;
+    --vscr.nlines;
+}
+
+static void insertAfterCurrent(Vsline *line) {
+    Vsline *before = vscr.current;
+    line->prev = before;
+    line->next = before ? before->next : nullptr;
+    (line->prev ? line->prev->next : vscr.head) = line;
+    (line->next ? line->next->prev : vscr.tail) = line;
+    ++vscr.nlines;
+}
+
+static Vsline *allocLine() {
+    auto *line = static_cast<Vsline *>(m_malloc(sizeof(Vsline)));
+    line->text = mallocArray<char>(line_capacity);
+    line->capacity = line_capacity;
+    return line;
+}
+
+static bool inCommand(const Vsline *line) {
+    for (const Vsline *l = vscr.cmdfirst; l; l = l->next) {
+        if (l == line) return true;
+        if (l == vscr.cmdlast) break;
+    }
+    return false;
+}
+
+// A line whose head was recycled takes its part.
+static void promoteFollower(Vsline *line, LineKind recycled) {
+    if (!line) return;
+    if (recycled == LineKind::Head && line->kind == LineKind::Continuation) {
+        line->kind = LineKind::Head;
+        std::memcpy(line->text, ">> ", prompt_width);
+    } else if (recycled == LineKind::FirstOutput && line->kind == LineKind::Output) {
+        line->kind = LineKind::FirstOutput;
+    }
+}
+
+// The oldest line that nothing refers to, taken out of the list; null if there is none.
+static Vsline *recycleOldest() {
+    for (Vsline *line = vscr.head; line; line = line->next) {
+        if (line == vscr.tail || line == vscr.top || line == vscr.current || inCommand(line)) continue;
+        promoteFollower(line->next, line->kind);
+        unlinkLine(line);
+        return line;
+    }
+    return nullptr;
+}
+
+Vsline *createVsline() {
+    Vsline *line = vscr.freelines;
+    if (line) {
+        vscr.freelines = line->next;
+    } else {
+        if (vscr.nlines >= vscr.rows + kept_lines) line = recycleOldest();
+        if (!line) line = allocLine();
+    }
+    line->length = 0;
+    line->kind = LineKind::Free;
+    line->prev = line->next = nullptr;
+    return line;
+}
+
+// Moves the command's limits off a line that becomes something else.
+static void leaveCommand(const Vsline *line) {
+    if (vscr.readline == line) vscr.readline = nullptr;
+    if (line == vscr.cmdfirst) {
+        vscr.cmdfirst = vscr.cmdlast = nullptr;
+    } else if (line == vscr.cmdlast) {
+        vscr.cmdlast = line->prev;
+    }
+}
+
+void addlnbrk(bool redraw, LineKind kind, bool) {
+    holdInterrupt();
+    Vsline *line = vscr.current;
+    if (line && line->isBlankCommand()) {
+        leaveCommand(line);
+    } else {
+        if (line) terminal->lineFinished(*line);
+        line = createVsline();
+        insertAfterCurrent(line);
+    }
+    line->length = 0;
+    line->kind = kind;
+    vscr.current = vscr.top = line;
+    vscr.cursorx = 0;
+    vscr.drawn = false;
+    if (redraw) terminal->redraw();
+    freeInterrupt();
+}
+
+void printStr(const char *text, uint32_t length, bool redraw) {
+    holdInterrupt();
+    Vsline *line = vscr.current;
+    if (line->length + length > line->capacity) {
+        uint32_t capacity = line->length + length + line->capacity / 2 + 16;
+        line->text = static_cast<char *>(m_realloc(line->text, line->capacity, capacity));
+        line->capacity = capacity;
+    }
+    std::memcpy(line->text + line->length, text, length);
+    line->length += length;
+    vscr.cursorx = line->length;
+    vscr.drawn = false;
+    if (redraw) terminal->redraw();
+    freeInterrupt();
+}
+
+void setScreenAttr() {
+    Vsline *line = createVsline();
+    insertAfterCurrent(line);
+    vscr.current = vscr.top = line;
+}
+
+void freshScr() {
+    if (!vscr.drawn) terminal->redraw();
+}
+
+void clearWindow() {
+    holdInterrupt();
+    while (Vsline *line = vscr.current->prev) {
+        leaveCommand(line);
+        unlinkLine(line);
+        line->next = vscr.freelines;
+        vscr.freelines = line;
+    }
+    terminal->redraw();
+    freeInterrupt();
+}
+
+static int cwmode = 0;
+
+int getcwmode() { return cwmode; }
+void reset_cwmode(int mode) { cwmode = mode >= 0 ? mode : 1 - cwmode; }
+
+// ---- The current command
+
+void initVideoBuf() {
+    addlnbrk(false, LineKind::Head, false);
+    printStr(">> ", prompt_width, false);
+    vscr.cmdfirst = vscr.cmdlast = vscr.readline = vscr.current;
+    vscr.readpos = prompt_width;
+    vscr.ready = vscr.edited = vscr.histdone = false;
+    terminal->redraw();
+}
+
+static bool allBlank(const Vsline *line, uint32_t from) {
+    for (uint32_t i = from; i < line->length; ++i)
+        if (line->text[i] != ' ') return false;
+    return true;
+}
+
+static bool hasUnreadText() {
+    if (!vscr.ready || !vscr.readline) return false;
+    if (!allBlank(vscr.readline, vscr.readpos)) return true;
+    for (const Vsline *line = vscr.readline; line != vscr.cmdlast && line->next; line = line->next)
+        if (!allBlank(line->next, prompt_width)) return true;
+    return false;
+}
+
+void setCmdBuffStat() {
+    if (!cmdbuffstat) {
+        cmdbuffstat = true;
+    } else if (!hasUnreadText()) {
+        initVideoBuf();
+    }
+}
+
+// Enter at the end of the command's last line: a blank continuation follows, and the line can be read.
+static void enterLine() {
+    Vsline *line = createVsline();
+    insertAfterCurrent(line);
+    std::memcpy(line->text, "   ", prompt_width);
+    line->length = prompt_width;
+    line->kind = LineKind::Continuation;
+    vscr.current = vscr.cmdlast = line;
+    vscr.ready = true;
+}
+
+bool grabLine() {
+    if (!vscr.cmdlast || vscr.current != vscr.cmdlast) initVideoBuf();
+    if (!terminal->editCommand()) return false;
+    holdInterrupt();
+    enterLine();
+    freeInterrupt();
+    return true;
+}
+
+int getChar() {
+    for (;;) {
+        Vsline *line = vscr.readline;
+        if (!vscr.ready || !line) {
+            if (!grabLine()) return end_of_input;
+        } else if (vscr.readpos < line->length) {
+            return static_cast<unsigned char>(line->text[vscr.readpos++]);
+        } else if (line == vscr.cmdlast && line->isBlankCommand()) {
+            if (parsingInProgress() && getCurrentTokenCount() == 0) initVideoBuf();
+            if (!grabLine()) return end_of_input;
+        } else {
+            if (line == vscr.cmdlast) {
+                vscr.ready = false;
+            } else {
+                vscr.readline = line->next;
+                vscr.readpos = prompt_width;
+            }
+            return '\n';
+        }
+    }
+}
+
+}  // namespace vesko

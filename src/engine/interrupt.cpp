@@ -1,0 +1,51 @@
+// SIGINT and the guard of the machine stack.
+#include "engine/interrupt.h"
+
+#include <sys/resource.h>
+
+#include <algorithm>
+
+#include "console/command.h"
+
+namespace vesko {
+
+volatile std::sig_atomic_t interrupt_hold = 0;
+volatile std::sig_atomic_t interrupt_pending = 0;
+char *stack_limit = nullptr;
+
+void fireInterrupt() {
+    interrupt_pending = 0;
+    returnToTopLevel();
+}
+
+void intHandler(int) {
+    if (interrupt_hold > 0) {
+        interrupt_pending = 1;
+        return;
+    }
+    fireInterrupt();
+}
+
+void installIntHandler() {
+    struct sigaction action = {};
+    action.sa_handler = intHandler;
+    sigemptyset(&action.sa_mask);
+    sigaction(SIGINT, &action, nullptr);
+}
+
+void growMachineStack() {
+    // The kernel keeps at least 128 MB of address space free below the main stack and tests the soft limit at
+    // each growth, so raising the limit here is enough.
+    constexpr rlim_t wanted = 112u << 20;
+    constexpr rlim_t reserve = 1u << 20;  // for libraries and signal handlers at the deepest point
+    rlimit limit;
+    rlim_t size = 8u << 20;
+    if (getrlimit(RLIMIT_STACK, &limit) == 0) {
+        limit.rlim_cur = std::min(wanted, limit.rlim_max);
+        if (setrlimit(RLIMIT_STACK, &limit) == 0 || getrlimit(RLIMIT_STACK, &limit) == 0)
+            size = std::min(wanted, limit.rlim_cur);
+    }
+    stack_limit = static_cast<char *>(__builtin_frame_address(0)) - size + std::min(reserve, size / 2);
+}
+
+}  // namespace vesko
