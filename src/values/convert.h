@@ -29,7 +29,8 @@ Matrix *convToString(Matrix *m);  // a string comes back as it is
 Matrix *convToByteMat(const Matrix *m);
 Matrix *convToBinaryMat(const Matrix *m);
 Matrix *convToCM(const Matrix *m);
-void by_to_bi(Matrix *m);
+void by_to_bi(Matrix *m);                // in place
+Matrix *catstrings(const Matrix *list);  // the strings of a list, joined
 
 // ---- Numbers out of values: true on success; `m` is neither released nor changed.
 bool extract_RS(const Matrix *m, double &x);
