@@ -1,0 +1,183 @@
+// Increment and decrement of variables, before and after, and the post form of other targets.
+#include "engine/assign.h"
+#include "engine/errors.h"
+#include "engine/frame.h"
+#include "engine/handlers.h"
+#include "frontend/symbols.h"
+#include "operators/dispatch.h"
+#include "values/convert.h"
+
+namespace vesko {
+
+namespace {
+
+struct StepUp {
+    static constexpr int by = 1;
+    static constexpr NodeKind kind = NodeKind::PreInc;
+    static Matrix *general(Matrix *m, Matrix *one, PcNode *node) { return getMatSum(m, one, node); }
+};
+struct StepDown {
+    static constexpr int by = -1;
+    static constexpr NodeKind kind = NodeKind::PreDec;
+    static Matrix *general(Matrix *m, Matrix *one, PcNode *node) { return getMatSub(m, one, node); }
+};
+
+bool isStepKind(const Matrix *m) {
+    return m->l2type <= L2::BI && m->l2type != L2::RNG;
+}
+
+// Integers and bytes wrap; a bit flips in either direction.
+template <class Step>
+void stepInPlace(Matrix *m) {
+    switch (m->l2type) {
+        case L2::IM:
+        case L2::IS:
+            for (uint32_t k = 0; k < m->length; k++)
+                m->ints()[k] = static_cast<int32_t>(static_cast<uint32_t>(m->ints()[k]) + Step::by);
+            break;
+        case L2::BY:
+            for (uint32_t k = 0; k < m->length; k++) m->bytes()[k] += Step::by;
+            break;
+        case L2::BI:
+            for (uint32_t k = 0; k < m->length; k++) m->bytes()[k] ^= 1;
+            break;
+        default:
+            for (uint32_t k = 0; k < m->length; k++) m->rdata[k] += Step::by;
+    }
+}
+
+// The stepped value as a value of its own. `one` is what the kinds without a step of their own are stepped
+// by.
+template <class Step>
+Matrix *stepped(Matrix *m, Matrix *(*one)(), PcNode *node) {
+    if (m->l1type == L1::RS) return newRealScalarMat(m->rdata[0] + Step::by);
+    if (isStepKind(m)) {
+        Matrix *result = cloneMatrix(m);
+        stepInPlace<Step>(result);
+        return result;
+    }
+    if (m->l2type > L2::CM) error_undef_opr(node, m, Step::kind);
+    return Step::general(m, one(), node);
+}
+
+Matrix *integerOne() {
+    return newIntScalarMat(1);
+}
+
+// Whether only variable k, and perhaps its compile-time record, holds the value.
+bool soleHolder(const Matrix *m, uint32_t k) {
+    if (m->nlinks() < 2) return true;
+    if (m->nlinks() > 2) return false;
+    if (top->func) return top->func->data->ctvars->at<CtVar>(k)->value == m;
+    return inTopLevel() && getCtVar(k)->value == m;
+}
+
+// With a domain. What is tested is the new value if nobody else holds the old one, else the old value. A
+// refused real is set back by taking 1 off its first element, in the decrement too.
+template <class Step>
+Matrix *preStepInDomain(PcNode *node, Variable *var) {
+    Matrix *old = var->value;
+    bool sole = soleHolder(old, node->value);
+    Matrix *result = stepped<Step>(old, integerOne, node);
+    Matrix *hold = holdMats(old);
+    replaceMat(var->value, result);
+    if (!memberOfSet(sole ? result : old, var->domain, node)) {
+        if (result->l1type == L1::RS || result->l1type == L1::RM)
+            result->rdata[0] -= 1.0;
+        else
+            replaceMat(var->value, old);
+        error_asgn_justify(node);
+    }
+    releaseMat(hold);
+    return result;
+}
+
+template <class Step>
+Matrix *preStep(PcNode *node) {
+    Variable *var = getVar(node->value);
+    if (var->domain) return preStepInDomain<Step>(node, var);
+    Matrix *m = var->value;
+    if (m->nlinks() < 2 && isStepKind(m)) {
+        stepInPlace<Step>(m);
+        return m;
+    }
+    return replaceMat(var->value, stepped<Step>(m, integerOne, node));
+}
+
+// The value tested is the one before the step: a step can leave the domain, and the next one is refused.
+Matrix *postStepInDomain(PcNode *node, Variable *var, Matrix *fresh) {
+    Matrix *old = var->value;
+    Matrix *hold = holdMats(old, fresh);
+    if (!memberOfSet(old, var->domain, node)) error_asgn_justify(node);
+    replaceMat(var->value, fresh);
+    keepResult(old);
+    releaseMat(hold);
+    return detachMat(old);
+}
+
+// The old record becomes the result, so nothing is copied.
+template <class Step>
+Matrix *postStep(PcNode *node) {
+    Variable *var = getVar(node->value);
+    Matrix *old = var->value;
+    Matrix *fresh = stepped<Step>(old, theTrueMat, node);
+    if (var->domain) return postStepInDomain(node, var, fresh);
+    quickUpdVar(node->value, fresh);
+    return detachMat(old);
+}
+
+// For variables of the domain Class_D: no test, since a stepped real scalar stays one.
+template <class Step>
+Matrix *preStep_D(PcNode *node) {
+    Matrix *&slot = getVar(node->value)->value;
+    if (slot->l1type != L1::RS) return preStep<Step>(node);
+    if (slot->nlinks() > 1) return replaceMat(slot, newRealScalarMat(slot->rdata[0] + Step::by));
+    slot->rdata[0] += Step::by;
+    return slot;
+}
+
+template <class Step>
+Matrix *postStep_D(PcNode *node) {
+    Matrix *old = getVarMat(node->value);
+    if (old->l1type != L1::RS) return postStep<Step>(node);
+    quickUpdVar(node->value, newRealScalarMat(old->rdata[0] + Step::by));
+    return detachMat(old);
+}
+
+}  // namespace
+
+Matrix *doVarPreInc(PcNode *node) {
+    return preStep<StepUp>(node);
+}
+Matrix *doVarPreDec(PcNode *node) {
+    return preStep<StepDown>(node);
+}
+Matrix *doVarPostInc(PcNode *node) {
+    return postStep<StepUp>(node);
+}
+Matrix *doVarPostDec(PcNode *node) {
+    return postStep<StepDown>(node);
+}
+Matrix *doVarPreInc_D(PcNode *node) {
+    return preStep_D<StepUp>(node);
+}
+Matrix *doVarPreDec_D(PcNode *node) {
+    return preStep_D<StepDown>(node);
+}
+Matrix *doVarPostInc_D(PcNode *node) {
+    return postStep_D<StepUp>(node);
+}
+Matrix *doVarPostDec_D(PcNode *node) {
+    return postStep_D<StepDown>(node);
+}
+
+// The child assigns the stepped value; the result is the value before.
+Matrix *doPostIncDec(PcNode *node) {
+    PcNode *assignment = node->child(0);
+    Matrix *old = assignment->eval(0);
+    Matrix *saved = old->isTemp() ? old : cloneMatrix(old);
+    assignment->exec(assignment);
+    return saved;
+}
+
+}  // namespace vesko

@@ -1,0 +1,92 @@
+// Assignment to variables: the plain store, and compound assignment with its forms for real scalars.
+#include "builtins/bfunc.h"
+#include "engine/assign.h"
+#include "engine/errors.h"
+#include "engine/frame.h"
+#include "engine/handlers.h"
+#include "operators/dispatch.h"
+#include "values/convert.h"
+
+namespace vesko {
+
+Matrix *holdMats(Matrix *a, Matrix *b) {
+    Matrix *hold = newListMat(2);
+    addListEntry(hold, a);
+    if (b) addListEntry(hold, b);
+    return hold;
+}
+
+// An automaton has identity: its holders share it even when one of them writes.
+Matrix *cloneSlot(Matrix *&slot) {
+    if (slot->l2type == L2::AUTOMATON) return slot;
+    return replaceMat(slot, cloneMatrix(slot));
+}
+
+Matrix *doVarAsgn(PcNode *node) {
+    Matrix *value = node->eval(0);
+    return replaceMat(getVar(node->value)->value, value);
+}
+
+// ---- Compound assignment -----------------------------------------------------------------------
+
+namespace {
+
+using InPlaceTable = const InPlaceFn[n_pairs];
+
+// The operand must survive the change of the target when it is the target, or may be a part of it.
+bool dependsOnTarget(const Matrix *operand, const Matrix *target) {
+    return operand == target || (!operand->isTemp() && target->l2type > L2::CM && target->l2type != L2::TX);
+}
+
+// A variable with a domain keeps its old value aside until the new one has passed the test. Holding the old
+// value shares it, so that the in-place operation works on a clone.
+template <InPlaceTable &table>
+Matrix *compoundAsgn(PcNode *node) {
+    Matrix *operand = node->eval(0);
+    Variable *var = getVar(node->value);
+    Matrix *old = var->value;
+    bool held = var->domain || dependsOnTarget(operand, old);
+    Matrix *hold = held ? holdMats(old, operand) : operand;
+    Matrix *target = unshare(var->value);
+    Matrix *result = table[pairIndex(target, operand)](target, operand, var, node);
+    if (var->domain && !memberOfSet(result, var->domain, node)) {
+        replaceMat(var->value, old);
+        error_asgn_justify(node);
+    }
+    releaseMat(hold);
+    return result;
+}
+
+// For variables of the domain Class_D. A declaration that failed at run time leaves its variable without a
+// scalar, so the tags are looked at all the same.
+template <class Op>
+Matrix *scalarAsgn(PcNode *node, ExecFn general, Op op) {
+    Matrix *operand = node->eval(0);
+    Matrix *&slot = getVar(node->value)->value;
+    if (operand->l1type != L1::RS || slot->l1type != L1::RS) return general(node);
+    Matrix *target = unshare(slot);
+    target->rdata[0] = op(target->rdata[0], operand->rdata[0]);
+    return target;
+}
+
+}  // namespace
+
+#define COMPOUND_ASGN(name, table, op)                                            \
+    Matrix *name(PcNode *node) {                                                  \
+        return compoundAsgn<table>(node);                                         \
+    }                                                                             \
+    Matrix *name##_DD(PcNode *node) {                                             \
+        return scalarAsgn(node, name, [](double x, double y) { return x op y; }); \
+    }                                                                             \
+    Matrix *name##_DS(PcNode *node) {                                             \
+        return name##_DD(node);                                                   \
+    }
+
+COMPOUND_ASGN(addAsgn, addfun, +)
+COMPOUND_ASGN(subAsgn, dedfun, -)
+COMPOUND_ASGN(mulAsgn, mulfun, *)
+COMPOUND_ASGN(dvdAsgn, divfun, /)
+
+#undef COMPOUND_ASGN
+
+}  // namespace vesko
