@@ -1,0 +1,371 @@
+"""The workloads: for each the same work as a vesko program and as programs of the peers.
+
+A body that leaves its result in r is measured twice: at top level, and as <name>_f in a function. Every program
+shows its result.
+"""
+
+STATEMENTS = 20000
+
+
+def indent(body):
+    return "\n".join("    " + line for line in body.strip("\n").split("\n"))
+
+
+def both(name, vesko, python, lua):
+    top = {
+        "vesko": vesko.strip("\n") + "\nr\n",
+        "lua": lua.strip("\n") + "\nprint(r)\n",
+        "python": python.strip("\n") + "\nprint(r)\n",
+    }
+    in_function = {
+        "vesko": "f = function () -> r\n%s\nend\nf()\n" % indent(vesko),
+        "lua": "local function f()\n    local r\n%s\n    return r\nend\nprint(f())\n" % indent(lua),
+        "python": "def f():\n%s\n    return r\nprint(f())\n" % indent(python),
+    }
+    return {name: top, name + "_f": in_function}
+
+
+def statements():
+    """Short expression statements, each parsed and run once."""
+    lines = []
+    for k in range(STATEMENTS):
+        a, b = k % 97 + 1, k % 31 + 2
+        target = "y" if k % 4 == 3 else "x"
+        lines.append(target + " = " + ["%d + %d * 2", "(%d - %d) * 3", "%d * x - %d", "y + %d / %d"][k % 4] % (a, b))
+    return {
+        "vesko": "x = 0;\ny = 0;\n" + ";\n".join(lines) + ";\nx\n",
+        "lua": "x = 0\ny = 0\n" + "\n".join(lines) + "\nprint(x)\n",
+        "python": "x = 0\ny = 0\n" + "\n".join(lines) + "\nprint(x)\n",
+    }
+
+
+def product(n, times):
+    """The product of two n by n matrices."""
+    return {
+        "vesko": "a = (1:%d)' * (1:%d) * 0.001;\nb = a + 1;\nfor %d\n    c = a * b;\nend\nc[%d, %d]\n"
+                 % (n, n, times, n, n),
+        "numpy": "import numpy as np\nv = np.arange(1.0, %d)\na = np.outer(v, v) * 0.001\nb = a + 1\n"
+                 "for _ in range(%d):\n    c = a @ b\nprint(c[-1, -1])\n" % (n + 1, times),
+    }
+
+
+WORKLOADS = {
+    "start": {"vesko": "", "lua": "", "python": ""},
+    "statements": statements(),
+    **both("count", """
+s = 0;
+for i = 1:5000000
+    s = s + i * 2;
+end
+r = s;
+""", """
+s = 0
+for i in range(1, 5000001):
+    s = s + i * 2
+r = s
+""", """
+local s = 0
+for i = 1, 5000000 do
+    s = s + i * 2
+end
+r = s
+"""),
+    **both("branches", """
+n = 0;
+for i = 1:1500
+    for j = 1:1000
+        if j > i
+            n = n + 1;
+        elseif j == i
+            n = n + 2;
+        else
+            n = n - 1;
+        end
+    end
+end
+r = n;
+""", """
+n = 0
+for i in range(1, 1501):
+    for j in range(1, 1001):
+        if j > i:
+            n = n + 1
+        elif j == i:
+            n = n + 2
+        else:
+            n = n - 1
+r = n
+""", """
+local n = 0
+for i = 1, 1500 do
+    for j = 1, 1000 do
+        if j > i then
+            n = n + 1
+        elseif j == i then
+            n = n + 2
+        else
+            n = n - 1
+        end
+    end
+end
+r = n
+"""),
+    **both("collatz", """
+longest = 0;
+for k = 1:15000
+    n = k + 0;
+    steps = 0;
+    while n != 1
+        if n % 2 == 0
+            n = n / 2;
+        else
+            n = 3 * n + 1;
+        end
+        steps = steps + 1;
+    end
+    if steps > longest
+        longest = steps;
+    end
+end
+r = longest;
+""", """
+longest = 0
+for k in range(1, 15001):
+    n = k
+    steps = 0
+    while n != 1:
+        if n % 2 == 0:
+            n = n // 2
+        else:
+            n = 3 * n + 1
+        steps = steps + 1
+    if steps > longest:
+        longest = steps
+r = longest
+""", """
+local longest = 0
+for k = 1, 15000 do
+    local n = k
+    local steps = 0
+    while n ~= 1 do
+        if n % 2 == 0 then
+            n = n // 2
+        else
+            n = 3 * n + 1
+        end
+        steps = steps + 1
+    end
+    if steps > longest then
+        longest = steps
+    end
+end
+r = longest
+"""),
+    "fib": {
+        "vesko": """
+fib = function n -> r
+    if n < 2
+        r = n;
+    else
+        r = this(n - 1) + this(n - 2);
+    end
+end
+fib(27)
+""",
+        "lua": """
+local function fib(n)
+    if n < 2 then
+        return n
+    else
+        return fib(n - 1) + fib(n - 2)
+    end
+end
+print(fib(27))
+""",
+        "python": """
+def fib(n):
+    if n < 2:
+        return n
+    else:
+        return fib(n - 1) + fib(n - 2)
+print(fib(27))
+""",
+    },
+    "closure": {
+        "vesko": """
+add = [k = 3] x -> x + this.k;
+s = 0;
+for i = 1:1000000
+    s = add(s);
+end
+s
+""",
+        "lua": """
+local function make(k)
+    return function(x) return x + k end
+end
+local add = make(3)
+local s = 0
+for i = 1, 1000000 do
+    s = add(s)
+end
+print(s)
+""",
+        "python": """
+def make(k):
+    return lambda x: x + k
+add = make(3)
+s = 0
+for i in range(1000000):
+    s = add(s)
+print(s)
+""",
+    },
+    **both("vector", """
+v = [];
+for i = 1:1000000
+    v[i] = i * 2;
+end
+s = 0;
+for i = 1:1000000
+    s = s + v[i];
+end
+r = s;
+""", """
+v = []
+for i in range(1000000):
+    v.append((i + 1) * 2)
+s = 0
+for i in range(1000000):
+    s = s + v[i]
+r = s
+""", """
+local v = {}
+for i = 1, 1000000 do
+    v[i] = i * 2
+end
+local s = 0
+for i = 1, 1000000 do
+    s = s + v[i]
+end
+r = s
+"""),
+    **both("list", """
+l = (0, ~);
+for i = 1:500000
+    l#i = i * 2;
+end
+s = 0;
+for i = 1:500000
+    s = s + l#i;
+end
+r = s;
+""", """
+l = []
+for i in range(500000):
+    l.append((i + 1) * 2)
+s = 0
+for i in range(500000):
+    s = s + l[i]
+r = s
+""", """
+local l = {}
+for i = 1, 500000 do
+    l[i] = i * 2
+end
+local s = 0
+for i = 1, 500000 do
+    s = s + l[i]
+end
+r = s
+"""),
+    **both("string", """
+s = "";
+for i = 1:300000
+    s += "ab";
+end
+n = 0;
+for i = 1:300000
+    if s[i] == "a"
+        n = n + 1;
+    end
+end
+r = n;
+""", """
+s = ""
+for i in range(300000):
+    s += "ab"
+n = 0
+for i in range(300000):
+    if s[i] == "a":
+        n = n + 1
+r = n
+""", """
+local t = {}
+for i = 1, 300000 do
+    t[i] = "ab"
+end
+local s = table.concat(t)
+local n = 0
+for i = 1, 300000 do
+    if s:sub(i, i) == "a" then
+        n = n + 1
+    end
+end
+r = n
+"""),
+    **both("hash", """
+h = {default => 0};
+for k = 1:1000
+    for i = 1:200
+        h@i = h@i + k;
+    end
+end
+s = 0;
+for i = 1:200
+    s = s + h@i;
+end
+r = s;
+""", """
+h = {}
+for k in range(1, 1001):
+    for i in range(1, 201):
+        h[i] = h.get(i, 0) + k
+s = 0
+for i in range(1, 201):
+    s = s + h[i]
+r = s
+""", """
+local h = {}
+for k = 1, 1000 do
+    for i = 1, 200 do
+        h[i] = (h[i] or 0) + k
+    end
+end
+local s = 0
+for i = 1, 200 do
+    s = s + h[i]
+end
+r = s
+"""),
+    "vecexpr": {
+        "vesko": """
+x = (1:1000000) * [1];
+y = x * 0.5 + 1;
+for 100
+    z = x + y * 2 - 3;
+end
+z[1000000]
+""",
+        "numpy": """
+import numpy as np
+x = np.arange(1.0, 1000001.0)
+y = x * 0.5 + 1
+for _ in range(100):
+    z = x + y * 2 - 3
+print(z[-1])
+""",
+    },
+    "product400": product(400, 20),
+    "product1000": product(1000, 3),
+}
