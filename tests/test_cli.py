@@ -1,0 +1,180 @@
+#!/usr/bin/env python3
+"""The program as a process: command line, run-time path, start-up file, pipes, signals, ends of input.
+
+Usage: test_cli.py VESKO
+"""
+import os
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+VESKO = None
+NO_CONFIG = "cannot open configuration file\n" if not os.path.exists("/etc/vesko_rt/rtpath") else ""
+
+
+def run(args=(), text="", startup=None, home=True, cwd=None):
+    with tempfile.TemporaryDirectory() as folder:
+        env = {k: v for k, v in os.environ.items() if k != "HOME"}
+        if home:
+            env["HOME"] = folder
+        if startup is not None:
+            with open(os.path.join(folder, ".veskorc"), "wb") as file:
+                file.write(startup.encode() if isinstance(startup, str) else startup)
+        data = text.encode() if isinstance(text, str) else text
+        done = subprocess.run([VESKO, *args], input=data, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
+                              env=env, cwd=cwd or folder, timeout=60)
+        return done.returncode, done.stdout.decode("utf-8", "replace")
+
+
+class CommandLine(unittest.TestCase):
+    def test_help_words_start_as_usual(self):
+        for word in ("-h", "-help", "-usage"):
+            status, output = run([word], "1 + 1\n")
+            self.assertEqual((status, output.replace(NO_CONFIG, "").split()), (0, ["2"]))
+
+    def test_other_words_are_refused_without_a_line_end(self):
+        self.assertEqual(run(["-x"]), (0, "unrecognized parameter"))
+        self.assertEqual(run(["-path", "/tmp"]), (0, "unrecognized parameter"))
+
+    def test_too_many_arguments_are_ignored(self):
+        status, output = run(["a", "b", "c"], "1 + 1\n")
+        self.assertEqual(status, 0)
+        self.assertTrue(output.startswith("Wrong number of arguments; ignored\n"))
+        self.assertEqual(output.split()[-1], "2")
+
+
+class RuntimePath(unittest.TestCase):
+    SHOW = "help_file_path\nlibpaths\n"
+
+    def paths(self, args, **more):
+        return run(args, self.SHOW, **more)[1].replace(NO_CONFIG, "").split()
+
+    def test_given_on_the_command_line_with_and_without_a_slash(self):
+        for path in ("/a/b", "/a/b/"):
+            self.assertEqual(self.paths(["-rtpath", path]), ["/a/b/share/", "(.,", "/a/b/test/)"])
+
+    def test_given_path_leaves_the_configuration_unread(self):
+        self.assertNotIn("configuration", run(["-rtpath", "/a"])[1])
+
+    def test_folder_of_an_absolute_command_name(self):
+        if not NO_CONFIG:
+            self.skipTest("this machine has a configuration file")
+        folder = os.path.dirname(VESKO)
+        self.assertEqual(self.paths([]), [folder + "/share/", "(.,", folder + "/test/)"])
+
+
+class StartUpFile(unittest.TestCase):
+    def test_runs_before_the_input(self):
+        status, output = run(["-rtpath", "/a"], "x * 2\n", startup="x = 21;\n")
+        self.assertEqual((status, output.split()), (0, ["42"]))
+
+    def test_missing_home(self):
+        self.assertIn("   Home directory not found.\n", run(["-rtpath", "/a"], home=False)[1])
+
+    def test_a_folder_or_an_unreadable_file_is_passed_over(self):
+        with tempfile.TemporaryDirectory() as folder:
+            os.mkdir(os.path.join(folder, ".veskorc"))
+            done = subprocess.run([VESKO, "-rtpath", "/a"], input=b"1 + 1\n", stdout=subprocess.PIPE,
+                                  env=dict(os.environ, HOME=folder), timeout=60)
+            self.assertEqual((done.returncode, done.stdout.split()), (0, [b"2"]))
+
+    def test_errors_name_file_and_line_and_the_rest_runs(self):
+        with tempfile.TemporaryDirectory() as folder:
+            rc = os.path.join(folder, ".veskorc")
+            with open(rc, "w", encoding="utf-8") as file:
+                file.write("\n\n1 + * 2\n3 + 4\n")
+            done = subprocess.run([VESKO, "-rtpath", "/a"], input=b"", stdout=subprocess.PIPE,
+                                  env=dict(os.environ, HOME=folder), timeout=60)
+            lines = done.stdout.decode().split("\n")
+            self.assertIn("Error %s 3: " % rc, lines[0])
+            self.assertEqual(lines[-2].split(), ["7"])
+
+    def test_line_ends_of_all_sorts(self):
+        self.assertEqual(run(["-rtpath", "/a"], startup=b"1 + 1\r\n2 + 2\n3 + 3\r4 + 4")[1].split(),
+                         ["2", "4", "6", "8"])
+
+
+class EndsOfInput(unittest.TestCase):
+    def check(self, text, message):
+        status, output = run(["-rtpath", "/a"], text)
+        self.assertEqual(status, 0)
+        self.assertIn(message, output)
+
+    def test_open_string(self):
+        self.check('x = "abc', "unexpected EOF")
+
+    def test_open_comment(self):
+        self.check("1 + 1\n/* never closed", "unexpected EOF")
+
+    def test_open_group(self):
+        self.check("x = (1 + 2", "unexpected EOF")
+
+    def test_open_block(self):
+        self.check("for i = 1:3\n1 + 1\n", "unexpected EOF")
+
+    def test_last_line_without_line_end_runs(self):
+        self.assertEqual(run(["-rtpath", "/a"], "1 + 1")[1].split(), ["2"])
+
+    def test_exit_stops_reading(self):
+        self.assertEqual(run(["-rtpath", "/a"], "1 + 1\nexit\n2 + 2\n")[1].split(), ["2"])
+
+
+class BadInput(unittest.TestCase):
+    def check_goes_on(self, data):
+        status, output = run(["-rtpath", "/a"], data + b"\n6 * 7\n")
+        self.assertEqual(status, 0)
+        self.assertEqual(output.split()[-1], "42")
+        return output
+
+    def test_bytes_above_127(self):
+        self.assertIn("unrecognized token", self.check_goes_on(b"x = \xc3\xa4"))
+
+    def test_all_bytes(self):
+        for byte in range(1, 256):
+            if byte not in (10, 13, ord('"'), ord("'"), ord("("), ord("["), ord("{"), ord("~")):
+                self.check_goes_on(b"1 " + bytes([byte]))
+
+    def test_a_line_of_a_megabyte(self):
+        output = self.check_goes_on(b'x = "' + b"a" * 1000000 + b'";')
+        self.assertLess(len(output), 1000)
+
+    def test_a_long_sum(self):
+        self.check_goes_on(b"1" + b" + 1" * 100000)
+
+    def test_nested_brackets(self):
+        for left, right in ((b"(", b")"), (b"[", b"]"), (b"{", b"}")):
+            self.check_goes_on(left * 100000 + b"1" + right * 100000)
+
+
+class Signals(unittest.TestCase):
+    def start(self):
+        self.folder = tempfile.TemporaryDirectory()
+        return subprocess.Popen([VESKO, "-rtpath", "/a"], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                                env=dict(os.environ, HOME=self.folder.name))
+
+    def test_interrupt_abandons_the_command_and_keeps_the_variables(self):
+        process = self.start()
+        process.stdin.write(b"x = 5;\nwhile 1 == 1\nx = x + 1;\nend\nx > 5\n1 + 1\n")
+        process.stdin.flush()
+        time.sleep(0.5)
+        process.send_signal(signal.SIGINT)
+        output = process.communicate(timeout=30)[0].split()
+        self.assertEqual((process.returncode, output), (0, [b"1", b"2"]))
+
+    def test_a_closed_pipe_ends_quietly(self):
+        process = self.start()
+        process.stdout.close()
+        process.stdin.write(b"1 + 1\n" * 100)
+        try:
+            process.stdin.close()
+        except BrokenPipeError:
+            pass
+        process.wait(timeout=30)
+
+
+if __name__ == "__main__":
+    VESKO = os.path.abspath(sys.argv.pop(1))
+    unittest.main(verbosity=1)
