@@ -91,7 +91,8 @@ struct Matrix {
     uint32_t status;
     int32_t depth;  // depth of the call stack when the record was handed out
     uint32_t nrows, ncols, length;
-    uint32_t cap;  // doubles in the real pool, bytes in the general pool
+    uint32_t cap;    // doubles in the real pool, bytes in the general pool
+    uint32_t epoch;  // sweep in whose log the record stands
     double *rdata;
     void *vdata;
 
@@ -170,8 +171,8 @@ Matrix *newRealScalarMat(double x);
 Matrix *allocCompMat(uint32_t length, uint32_t rows, uint32_t cols);  // parts undefined, each linked once
 Matrix *newCompMat(Matrix *re, Matrix *im);  // takes both parts: expands a scalar part, clones linked ones
 Matrix *newCompScalarMat(double re, double im);
-Matrix *allocGMat(
-    size_t bytes);  // general pool, vdata of at least that size; tags and sizes are the caller's
+// Of the general pool, vdata of at least that size; tagged as empty bytes, tags and sizes are the caller's.
+Matrix *allocGMat(size_t bytes);
 Matrix *newStrMat(uint32_t size_with_nul);
 Matrix *newStrMatCopy(const char *text);
 Matrix *newStrMatCopyN(const char *text, uint32_t length);
@@ -197,7 +198,9 @@ Matrix *newLowerMat(uint32_t n);
 Matrix *newSymmMat(uint32_t n);
 Matrix *newUfMat(FuncRec *f);
 Matrix *newBfMat(Bfunc *f);
-Matrix *newPfMat();  // bare record: tag PF; l2type, sizes and pointers are the caller's
+// Bare record without payload, tagged GV: l2type, sizes and pointers are the caller's, the payload before the
+// tag.
+Matrix *newPfMat();
 Matrix *newGvMat(uint32_t global_index);
 
 // Length of rows * cols in 64 bits; ends the command when it does not fit a record.
@@ -206,16 +209,20 @@ uint32_t checkedLength(uint64_t rows, uint64_t cols);
 // ---- Singletons --------------------------------------------------------------------------------
 
 namespace detail {
-extern Matrix *const empmat,
-    *const nullmat, *const dnemat, *const truemat,
-                                       *const falsemat,
-                                           *const negonemat,
-                                               *const nlogbasemat,
-                                                   *const nanmat, *const infmat, *const ninfmat,
-                                                                                     *const completemat,
-                                                                                         *const rng0mat,
-                                                                                             *const empstrmat;
-}
+extern Matrix *const empmat;
+extern Matrix *const nullmat;
+extern Matrix *const dnemat;
+extern Matrix *const truemat;
+extern Matrix *const falsemat;
+extern Matrix *const negonemat;
+extern Matrix *const nlogbasemat;
+extern Matrix *const nanmat;
+extern Matrix *const infmat;
+extern Matrix *const ninfmat;
+extern Matrix *const completemat;
+extern Matrix *const rng0mat;
+extern Matrix *const empstrmat;
+}  // namespace detail
 inline Matrix *theEmptyMat() { return detail::empmat; }
 inline Matrix *theDummyMat() { return detail::empmat; }
 inline Matrix *theNullMat() { return detail::nullmat; }  // result of what has no result: never shown

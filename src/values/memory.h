@@ -8,14 +8,18 @@
 namespace vesko {
 
 struct Matrix;
+struct Variable;
+enum class L2 : uint8_t;
 
-// ---- Heap layer. The caller remembers sizes; get_total_mem_allocated counts what is given out.
+// ---- Heap layer. The caller remembers sizes; get_total_mem_allocated counts what is given out. A caller of
+// m_realloc or m_free whose pointer outlives the call holds the interrupt until the pointer is stored.
 void *i_malloc(size_t size);  // start-up only: a refusal ends the process
 void *m_malloc(size_t size);  // a refusal ends the command
 void *m_realloc(void *p, size_t old_size, size_t new_size);
 void m_free(void *p, size_t size);
 char *strClone(const char *s);  // plain malloc, not counted
 int32_t get_total_mem_allocated();
+[[noreturn]] void refuseMemory(uint64_t size);  // what a request that cannot be met ends in
 
 template <class T>
 T *mallocArray(size_t n) {
@@ -38,6 +42,12 @@ void initmbvec();
 // ---- Liveness cells. A cell with value 0 is free; see takeVarAddr.
 uint32_t *newStatus_p();
 
+// Payload of a VARADDR value: a block. The cell counts 2 for each address; bit 0 says that the frame lives.
+struct VarAddr {
+    Variable *var;
+    uint32_t *cell;
+};
+
 // ---- Pods: parse-time memory, recycled as whole lists sorted by size.
 struct Pod {
     size_t size;
@@ -55,6 +65,10 @@ void initMatLib();  // pools and singletons; once, at start
 // Releases every temporary that was handed out, or became one, since the last sweep.
 void cleanTempMats();
 void clearStackTempMats(int32_t depth);
+// What else is freed with a value of the kind, told by the room that owns its payload. The record itself and,
+// in the real pool, its tags are looked after by the pools.
+using PayloadFreeFn = void (*)(Matrix *);
+void setPayloadFree(L2 kind, PayloadFreeFn free_payload);
 void printMatBuffInfo();
 // More room for a general record that is being extended to n bytes: m itself, or a kept bigger record into
 // which the caller copies. Doubles, so that repeated extension is linear.

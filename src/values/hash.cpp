@@ -1,0 +1,270 @@
+// Hash tables and sets: 67 chains, and a vector of the nodes in order of insertion. There is no rehash:
+// tables of the language are expected to be small.
+#include <bit>
+#include <cassert>
+#include <cstring>
+
+#include "builtins/bfunc.h"
+#include "engine/interrupt.h"
+#include "frontend/symbols.h"
+#include "operators/dispatch.h"
+#include "values/containers.h"
+#include "values/matrix.h"
+#include "values/memory.h"
+
+namespace vesko {
+
+constexpr uint32_t n_buckets = 67;
+constexpr uint32_t least_nodes = 8;
+
+// ---- Hash codes: a polynomial with multiplier 31, modulo 2^32.
+
+static uint32_t step(uint32_t h, uint32_t e) { return h * 31 + e; }
+
+// A double counts as the lower half of its integer part; what no 64-bit integer can hold counts 0.
+static uint32_t hashElement(double x) {
+    constexpr double limit = 0x1p63;
+    return x >= -limit && x < limit ? static_cast<uint32_t>(static_cast<int64_t>(x)) : 0;
+}
+static uint32_t hashElement(int32_t x) { return static_cast<uint32_t>(x); }
+static uint32_t hashElement(uint8_t x) { return x; }
+static uint32_t hashElement(char x) { return static_cast<uint32_t>(static_cast<signed char>(x)); }
+static uint32_t hashElement(const Matrix *m) { return getMatHashCode(m); }
+
+template <class T>
+static uint32_t hashRun(uint32_t h, const T *data, uint32_t n) {
+    for (uint32_t i = 0; i < n; i++) h = step(h, hashElement(data[i]));
+    return h;
+}
+
+template <class T>
+static uint32_t hashMatrix(const Matrix *m, const T *data) {
+    return step(step(hashRun(0, data, m->length), m->nrows), m->ncols);
+}
+
+// Over the bytes: so 1.0 and the integer 1 have different codes, and are two keys.
+static uint32_t hashReal(double x) {
+    constexpr uint32_t nan_code = 7815;
+    if (x != x) return nan_code;
+    uint8_t bytes[sizeof x];
+    std::memcpy(bytes, &x, sizeof x);
+    return hashRun(0, bytes, sizeof x);
+}
+
+static uint32_t hashName(const char *name) {
+    constexpr uint32_t builtin_seed = 97372;
+    return hashRun(builtin_seed, name, static_cast<uint32_t>(std::strlen(name)));
+}
+
+uint32_t getMatHashCode(const Matrix *m) {
+    guardStack();
+    switch (m->l2type) {
+        case L2::IM:
+        case L2::IS: return hashMatrix(m, m->ints());
+        case L2::RM:
+        case L2::RMDM: return hashMatrix(m, m->rdata);
+        case L2::RS: return hashReal(m->rdata[0]);
+        case L2::BY:
+        case L2::BI: return hashMatrix(m, m->bytes());
+        case L2::CS:
+        case L2::CM: return step(getMatHashCode(m->re()), getMatHashCode(m->im()));
+        case L2::CMDM: return step(hashMatrix(m, m->rdata), hashMatrix(m, m->rdata + m->length));
+        case L2::LS: return step(hashRun(0, m->entries(), m->length), m->length);
+        case L2::BF: return hashName(getSymbolName(m->builtin()->name));
+        case L2::TX: return hashRun(0, m->text(), m->length);
+        default: return index(m->l2type);
+    }
+}
+
+// ---- Nodes
+
+static hashnode *newHashNode(uint32_t place, Matrix *key, Matrix *data) {
+    hashnode *n = newBlock<hashnode>();
+    *n = {place, key, data, nullptr};
+    linkMat(key);
+    linkMat(data);
+    return n;
+}
+
+static void freeHashNode(void *node) {
+    hashnode *n = static_cast<hashnode *>(node);
+    Matrix *key = n->key, *data = n->data;
+    recycleBlock(n);
+    ucReleaseMat(key);
+    ucReleaseMat(data);
+}
+
+static hashnode *firstOf(const hashtable *t, uint32_t bucket) { return t->buckets->at<hashnode>(bucket); }
+
+static uint32_t bucketOf(const Matrix *key) { return getMatHashCode(key) % n_buckets; }
+
+static hashnode *findNode(const hashtable *t, uint32_t bucket, const Matrix *key) {
+    hashnode *n = firstOf(t, bucket);
+    while (n && !are_equal(n->key, key)) n = n->next;
+    return n;
+}
+
+// A new node, in front of its chain.
+static hashnode *addNode(hashtable *t, uint32_t bucket, Matrix *key, Matrix *data) {
+    holdInterrupt();
+    extendVectorBuffer(t->nodes, t->nodes->size + 1, t->nodes->size);
+    hashnode *n = newHashNode(t->nodes->size, key, data);
+    n->next = firstOf(t, bucket);
+    t->buckets->data[bucket] = n;
+    addElement(t->nodes, n);
+    freeInterrupt();
+    return n;
+}
+
+// ---- Tables
+
+hashtable *newHashTable(uint32_t n) {
+    holdInterrupt();
+    hashtable *t = newBlock<hashtable>();
+    t->buckets = newVector(n_buckets);
+    t->buckets->size = n_buckets;
+    std::memset(t->buckets->data, 0, n_buckets * sizeof(void *));
+    t->nodes = newVector(n < least_nodes ? least_nodes : n);
+    t->dflt = theEmptyMat();
+    linkMat(t->dflt);
+    freeInterrupt();
+    return t;
+}
+
+void freeHashTable(hashtable *t) {
+    holdInterrupt();
+    freeVector(t->nodes, freeHashNode);
+    ucReleaseMat(t->dflt);
+    freeVector(t->buckets, nullptr);
+    recycleBlock(t);
+    freeInterrupt();
+}
+
+hashtable *copyHashTable(const hashtable *t) {
+    hashtable *copy = newHashTable(t->count());
+    for (uint32_t i = 0; i < t->count(); i++) {
+        const hashnode *n = t->node(i);
+        addNode(copy, bucketOf(n->key), n->key, n->data);
+    }
+    return copy;
+}
+
+void addHashData(hashtable *t, Matrix *key, Matrix *value) {
+    const uint32_t bucket = bucketOf(key);
+    if (hashnode *n = findNode(t, bucket, key))
+        replaceMat(n->data, value);
+    else
+        addNode(t, bucket, key, value);
+}
+
+// The last node of the node vector takes the place of the one that goes.
+static void unlinkFirst(hashtable *t, uint32_t bucket) {
+    holdInterrupt();
+    hashnode *n = firstOf(t, bucket);
+    t->buckets->data[bucket] = n->next;
+    hashnode *last = t->node(t->count() - 1);
+    last->index = n->index;
+    removeElementAt(t->nodes, n->index);
+    freeHashNode(n);
+    freeInterrupt();
+}
+
+// Only a key that stands first in its chain goes; one that stands deeper is passed over and stays. Programs
+// see that, and rely on it.
+bool removeHashKey(hashtable *t, Matrix *key) {
+    const uint32_t bucket = bucketOf(key);
+    const hashnode *n = firstOf(t, bucket);
+    if (!n || !are_equal(n->key, key)) return false;
+    unlinkFirst(t, bucket);
+    return true;
+}
+
+Matrix *findHashData(const hashtable *t, const Matrix *key) {
+    const hashnode *n = findNode(t, bucketOf(key), key);
+    return n ? n->data : t->dflt;
+}
+
+Matrix **findHashDataAddr(hashtable *t, Matrix *key) {
+    const uint32_t bucket = bucketOf(key);
+    hashnode *n = findNode(t, bucket, key);
+    if (!n) n = addNode(t, bucket, key, theEmptyMat());
+    return &n->data;
+}
+
+Matrix **findDfltHashDataAddr(hashtable *t) { return &t->dflt; }
+
+void setDfltHashVal(hashtable *t, Matrix *value) { replaceMat(t->dflt, value); }
+
+Matrix *getDfltHashVal(const hashtable *t) { return t->dflt; }
+
+// ---- Sets
+
+xset *newXSet() { return newHashTable(1); }
+
+bool is_empty_set(const xset *s) { return s->count() == 0; }
+
+Matrix *setMemberAt(const xset *s, uint32_t i) { return s->node(i)->key; }
+
+Matrix *findSetMember(const xset *s, const Matrix *m) {
+    const hashnode *n = findNode(s, bucketOf(m), m);
+    return n ? n->key : nullptr;
+}
+
+Matrix *findSetMemberShip(const xset *s, const Matrix *m) { return truthMat(findSetMember(s, m)); }
+
+void addSetMember(xset *s, Matrix *m) {
+    const uint32_t bucket = bucketOf(m);
+    if (!findNode(s, bucket, m)) addNode(s, bucket, m, theTrueMat());
+}
+
+void qAddSetMember(xset *s, Matrix *m) { addNode(s, bucketOf(m), m, theTrueMat()); }
+
+bool removeSetMember(xset *s, Matrix *m) { return removeHashKey(s, m); }
+
+template <class F>
+static void forEachMember(const xset *s, F f) {
+    for (uint32_t i = 0; i < s->count(); i++) f(setMemberAt(s, i));
+}
+
+xset *makeSetUnion(const xset *a, const xset *b) {
+    xset *s = newXSet();
+    forEachMember(a, [s](Matrix *m) { qAddSetMember(s, m); });
+    forEachMember(b, [s](Matrix *m) { addSetMember(s, m); });
+    return s;
+}
+
+xset *makeSetIntersection(const xset *a, const xset *b) {
+    xset *s = newXSet();
+    forEachMember(a, [s, b](Matrix *m) {
+        if (Matrix *found = findSetMember(b, m)) qAddSetMember(s, found);
+    });
+    return s;
+}
+
+xset *makeSetDiff(const xset *a, const xset *b) {
+    xset *s = newXSet();
+    forEachMember(a, [s, b](Matrix *m) {
+        if (!findSetMember(b, m)) qAddSetMember(s, m);
+    });
+    return s;
+}
+
+static bool isWithin(const xset *a, const xset *b) {
+    for (uint32_t i = 0; i < a->count(); i++)
+        if (!findSetMember(b, setMemberAt(a, i))) return false;
+    return true;
+}
+
+bool set_equal(const xset *a, const xset *b) { return a->count() == b->count() && isWithin(a, b); }
+
+bool sub_set(const xset *a, const xset *b) { return a->count() <= b->count() && isWithin(a, b); }
+
+bool true_sub_set(const xset *a, const xset *b) { return a->count() < b->count() && isWithin(a, b); }
+
+bool set_in_interval(const xset *s, const Matrix *itv) {
+    for (uint32_t i = 0; i < s->count(); i++)
+        if (!memberOfSet(setMemberAt(s, i), const_cast<Matrix *>(itv), nullptr)) return false;
+    return true;
+}
+
+}  // namespace vesko
