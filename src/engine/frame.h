@@ -50,6 +50,8 @@ struct FuncRec {
     int32_t npublic;    // public parameters come first in parms
     Vector *parms;      // sfields; may be null
     uint8_t is_member;  // grants access to private and readonly fields of its class
+    bool dropped;       // its value is gone, and a call of it is still running: the last one frees it
+    uint32_t running;   // calls of it on the stack
     Xclass *owner;      // class it belongs to, or null
 };
 
@@ -58,7 +60,7 @@ struct FuncFrame {
     Xproc *proc;       // null, or the automaton
     PcNode *pc;        // next statement
     Vector *vars;      // the slots: all `cap` entries are Variables, `size` are in use
-    Matrix *parent;    // not linked: the caller keeps it alive
+    Matrix *parent;    // object, class or function that the call is a member of, linked; or null
     uint32_t *status;  // liveness cell, once an address of a local was taken
 
     Variable *var(uint32_t k) const { return vars->at<Variable>(k); }
@@ -66,18 +68,27 @@ struct FuncFrame {
 
 // ---- The stack.
 extern FuncFrame **funcvec;
+extern int32_t fvcap;         // frames that are ready
 extern int32_t depth;         // 0 is the top level
 extern FuncFrame *top;        // funcvec[depth]
 extern Variable **topvarvec;  // entries of top->vars
 
 constexpr uint32_t n_ready_slots = 16;  // slots that every frame has
 constexpr int32_t max_frames = 2048;
+constexpr int32_t max_idle_frames = 512;  // kept after a failed command
 
 void initFuncStack();
 FuncFrame *newFunction(uint32_t n);
 void destroyFunction(FuncFrame *frame);
-FuncFrame *getNextFunc();  // the frame above the running one, not entered; recursion error at the limit
-void dumpFuncStack();      // unwinds everything after a failed command
+void growFuncVec();  // recursion error at the limit
+// The frame above the running one, not entered.
+inline FuncFrame *getNextFunc() {
+    if (depth + 1 == fvcap) [[unlikely]]
+        growFuncVec();
+    return funcvec[depth + 1];
+}
+void retireFrame(FuncFrame *frame);  // addresses of its locals die
+void dumpFuncStack();                // unwinds everything after a failed command
 void dumpFuncStackTo(int32_t d);
 inline bool inTopLevel() { return depth == 0; }
 inline int32_t getStackDepth() { return depth; }
@@ -86,6 +97,20 @@ inline void enterFrame(FuncFrame *frame, int32_t at) {
     depth = at;
     top = frame;
     topvarvec = reinterpret_cast<Variable **>(frame->vars->data);
+}
+
+// Empties a slot, as a call finds it: the empty value, no domain. Stores before it releases.
+inline void clearSlot(Variable *var) {
+    Matrix *value = var->value;
+    if (value != theEmptyMat()) {
+        linkMat(theEmptyMat());
+        var->value = theEmptyMat();
+        ucReleaseMat(value);
+    }
+    if (Matrix *domain = var->domain) [[unlikely]] {
+        var->domain = nullptr;
+        ucReleaseMat(domain);
+    }
 }
 
 // ---- Variables of the running frame.
@@ -107,9 +132,13 @@ void freeVar(void *var);
 void disp_top_varvec_info();
 
 // ---- Function records.
-void setFuncExe(FuncRecData *data);  // chooses call0 to call7
-FuncRec *newFuncRec(FuncRecData *data);
-void freeFuncRec(FuncRec *f);
+void setFuncExe(FuncRecData *data);      // chooses call0 to call7
+FuncRec *newFuncRec(FuncRecData *data);  // takes one share of data over
+void freeFuncRec(FuncRec *f);            // later, if a call of it is running
+inline void leaveFuncRec(FuncRec *f) {
+    if (--f->running == 0 && f->dropped) [[unlikely]]
+        freeFuncRec(f);
+}
 Matrix *copyUf(Matrix *f);         // own parameters, shared code
 sfield *getParameter(uint32_t k);  // of the running function or automaton
 Matrix **getParentP();

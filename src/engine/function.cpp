@@ -1,0 +1,60 @@
+// Function objects: making, copying and freeing them, and the code record that copies share.
+#include "engine/frame.h"
+#include "engine/node.h"
+#include "frontend/symbols.h"
+#include "values/memory.h"
+
+namespace vesko {
+
+FuncRec *newFuncRec(FuncRecData *data) {
+    FuncRec *f = newBlock<FuncRec>();
+    *f = {};
+    f->data = data;
+    return f;
+}
+
+static Vector *copyParms(const Vector *parms) {
+    if (!parms) return nullptr;
+    Vector *copy = newVector(parms->size);
+    for (uint32_t k = 0; k < parms->size; k++) {
+        const sfield *parm = parms->at<sfield>(k);
+        sfield *field = newSfield(parm->index, parm->value, parm->domain);
+        field->flag = parm->flag;
+        addElement(copy, field);
+    }
+    return copy;
+}
+
+Matrix *copyUf(Matrix *m) {
+    const FuncRec *f = m->func();
+    Vector *parms = copyParms(f->parms);
+    f->data->nshares++;
+    FuncRec *copy = newFuncRec(f->data);
+    copy->npublic = f->npublic;
+    copy->parms = parms;
+    copy->is_member = f->is_member;
+    copy->owner = f->owner;
+    return newUfMat(copy);
+}
+
+static void freeFuncRecData(FuncRecData *data) {
+    ucReleaseMat(data->srcfile);
+    freeVector(data->ctvars, freeCtVar);
+    recyclePcLib(data->pclib);
+    recycleSMPcLib(data->smpclib);
+    freemempod = mergeMemPods(freemempod, data->mempod);
+    m_free(data, sizeof(FuncRecData));
+}
+
+void freeFuncRec(FuncRec *f) {
+    if (f->running != 0) {
+        f->dropped = true;
+        return;
+    }
+    FuncRecData *data = f->data;
+    freeVector(f->parms, freeSfield);
+    recycleBlock(f);
+    if (--data->nshares == 0) freeFuncRecData(data);
+}
+
+}  // namespace vesko

@@ -1,0 +1,37 @@
+// Pins: operands that a handler holds while it evaluates something else.
+//
+// A value that a handler got may belong to a variable, and evaluating the next operand may change that
+// variable: in x + (x = 5) the left operand would be freed. So a handler that needs a value across another
+// evaluation pins it, and takes the pin off afterwards, in reverse order. A jump out of the handler takes the
+// pins off.
+#pragma once
+
+#include <cstdint>
+
+#include "values/matrix.h"
+
+namespace vesko {
+
+extern Matrix **pinned;  // the pinned values, each linked
+extern uint32_t npinned, pincap;
+
+void initPins();
+void growPins();
+inline uint32_t pinCount() { return npinned; }
+void unpinTo(uint32_t n);  // for recovery points
+
+inline Matrix *pinMat(Matrix *m) {
+    if (npinned == pincap) [[unlikely]]
+        growPins();
+    linkMat(m);
+    pinned[npinned++] = m;
+    return m;
+}
+
+// Takes the last pin off: the value is borrowed again, a temporary if nobody else holds it.
+inline Matrix *unpinMat() { return passResult(pinned[--npinned]); }
+
+// Takes the last n pins off and keeps their links: the caller has stored the values.
+inline void handOverPins(uint32_t n) { npinned -= n; }
+
+}  // namespace vesko
