@@ -13,6 +13,8 @@ Matrix *holdMats(Matrix *a, Matrix *b = nullptr);
 // Makes the slot the only holder of its value: a shared value is replaced by a clone. Returns the slot's
 // value.
 Matrix *cloneSlot(Matrix *&slot);
-inline Matrix *unshare(Matrix *&slot) { return slot->nlinks() < 2 ? slot : cloneSlot(slot); }
+inline Matrix *unshare(Matrix *&slot) {
+    return slot->nlinks() < 2 ? slot : cloneSlot(slot);
+}
 
 }  // namespace vesko

@@ -22,7 +22,9 @@ struct StepDown {
     static Matrix *general(Matrix *m, Matrix *one, PcNode *node) { return getMatSub(m, one, node); }
 };
 
-bool isStepKind(const Matrix *m) { return m->l2type <= L2::BI && m->l2type != L2::RNG; }
+bool isStepKind(const Matrix *m) {
+    return m->l2type <= L2::BI && m->l2type != L2::RNG;
+}
 
 // Integers and bytes wrap; a bit flips in either direction.
 template <class Step>
@@ -58,7 +60,9 @@ Matrix *stepped(Matrix *m, Matrix *(*one)(), PcNode *node) {
     return Step::general(m, one(), node);
 }
 
-Matrix *integerOne() { return newIntScalarMat(1); }
+Matrix *integerOne() {
+    return newIntScalarMat(1);
+}
 
 // Whether only variable k, and perhaps its compile-time record, holds the value.
 bool soleHolder(const Matrix *m, uint32_t k) {
@@ -142,14 +146,30 @@ Matrix *postStep_D(PcNode *node) {
 
 }  // namespace
 
-Matrix *doVarPreInc(PcNode *node) { return preStep<StepUp>(node); }
-Matrix *doVarPreDec(PcNode *node) { return preStep<StepDown>(node); }
-Matrix *doVarPostInc(PcNode *node) { return postStep<StepUp>(node); }
-Matrix *doVarPostDec(PcNode *node) { return postStep<StepDown>(node); }
-Matrix *doVarPreInc_D(PcNode *node) { return preStep_D<StepUp>(node); }
-Matrix *doVarPreDec_D(PcNode *node) { return preStep_D<StepDown>(node); }
-Matrix *doVarPostInc_D(PcNode *node) { return postStep_D<StepUp>(node); }
-Matrix *doVarPostDec_D(PcNode *node) { return postStep_D<StepDown>(node); }
+Matrix *doVarPreInc(PcNode *node) {
+    return preStep<StepUp>(node);
+}
+Matrix *doVarPreDec(PcNode *node) {
+    return preStep<StepDown>(node);
+}
+Matrix *doVarPostInc(PcNode *node) {
+    return postStep<StepUp>(node);
+}
+Matrix *doVarPostDec(PcNode *node) {
+    return postStep<StepDown>(node);
+}
+Matrix *doVarPreInc_D(PcNode *node) {
+    return preStep_D<StepUp>(node);
+}
+Matrix *doVarPreDec_D(PcNode *node) {
+    return preStep_D<StepDown>(node);
+}
+Matrix *doVarPostInc_D(PcNode *node) {
+    return postStep_D<StepUp>(node);
+}
+Matrix *doVarPostDec_D(PcNode *node) {
+    return postStep_D<StepDown>(node);
+}
 
 // The child assigns the stepped value; the result is the value before.
 Matrix *doPostIncDec(PcNode *node) {

@@ -72,11 +72,15 @@ Matrix *scalarAsgn(PcNode *node, ExecFn general, Op op) {
 }  // namespace
 
 #define COMPOUND_ASGN(name, table, op)                                            \
-    Matrix *name(PcNode *node) { return compoundAsgn<table>(node); }              \
+    Matrix *name(PcNode *node) {                                                  \
+        return compoundAsgn<table>(node);                                         \
+    }                                                                             \
     Matrix *name##_DD(PcNode *node) {                                             \
         return scalarAsgn(node, name, [](double x, double y) { return x op y; }); \
     }                                                                             \
-    Matrix *name##_DS(PcNode *node) { return name##_DD(node); }
+    Matrix *name##_DS(PcNode *node) {                                             \
+        return name##_DD(node);                                                   \
+    }
 
 COMPOUND_ASGN(addAsgn, addfun, +)
 COMPOUND_ASGN(subAsgn, dedfun, -)

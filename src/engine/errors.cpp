@@ -30,12 +30,12 @@ Matrix *leadingErrorMsg(PcNode *node) {
 }
 
 // Saves the message, with the prefix as first argument of the text, and leaves.
-#define REPORT(node, text, ...)                                          \
-    do {                                                                 \
-        Matrix *prefix_ = leadingErrorMsg(node);                         \
-        saveErrorMesg(text, prefix_->text() __VA_OPT__(, ) __VA_ARGS__); \
-        releaseMat(prefix_);                                             \
-        xAbort(nullptr);                                                 \
+#define REPORT(node_, format_, ...)                                         \
+    do {                                                                    \
+        Matrix *prefix_ = leadingErrorMsg(node_);                           \
+        saveErrorMesg(format_, prefix_->text() __VA_OPT__(, ) __VA_ARGS__); \
+        releaseMat(prefix_);                                                \
+        xAbort(nullptr);                                                    \
     } while (false)
 
 #define ERROR(function, parameters, ...) \

@@ -1,6 +1,6 @@
 // Variable slots: their lists, the stores that keep the law of links, addresses of locals, and the listing of
 // the top level.
-#include <cassert>
+#include <cstdio>
 #include <cstring>
 
 #include "builtins/bfunc.h"
@@ -155,9 +155,9 @@ Matrix *derefVarAddr(PcNode *node) {
 static void sizeText(const Matrix *m, char *text, size_t room) {
     text[0] = '\0';
     if (isNumeric(m->l2type))
-        snprintf(text, room, "%u by %u", m->nrows, m->ncols);
+        std::snprintf(text, room, "%u by %u", m->nrows, m->ncols);
     else if (isList(m->l2type) || m->l2type == L2::TX)
-        snprintf(text, room, "%u", m->length);
+        std::snprintf(text, room, "%u", m->length);
 }
 
 static const char *kindText(const Matrix *m) {
@@ -180,7 +180,8 @@ void disp_top_varvec_info() {
     int width = 0;
     for (uint32_t k = 0; k < vars->size; k++) {
         const char *name = getSymbolName(static_cast<uint32_t>(vars->at<Variable>(k)->name));
-        if (isNamed(name) && static_cast<int>(strlen(name)) > width) width = static_cast<int>(strlen(name));
+        if (isNamed(name) && static_cast<int>(std::strlen(name)) > width)
+            width = static_cast<int>(std::strlen(name));
     }
     for (uint32_t k = 0; k < vars->size; k++) {
         const Variable *var = vars->at<Variable>(k);
