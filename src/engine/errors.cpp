@@ -3,7 +3,7 @@
 
 #include <cmath>
 #include <cstdio>
-#include <cstring>
+#include <type_traits>
 
 #include "console/command.h"
 #include "console/message.h"
@@ -163,7 +163,7 @@ struct RangeEnd {
 };
 }  // namespace
 
-static_assert(__is_trivially_destructible(RangeEnd));
+static_assert(std::is_trivially_destructible_v<RangeEnd>);
 
 void error_colon1(PcNode *node, const Matrix *first, const Matrix *last) {
     RangeEnd a(first), b(last);
