@@ -75,6 +75,12 @@ extern CtScope *ctscope;       // the current one
 extern uint32_t progstkdepth;  // scopes open above the top one
 extern Pod *freemempod;        // free pods of all scopes
 
+// A scope for a function or automaton inside the present one; it takes the parameters over. What the code
+// that was compiled keeps is taken out of the scope before it is left. A parse error closes scopes through
+// throwVars.
+CtScope *openScope(char kind, Vector *parms, uint32_t nvars);
+void leaveScope();
+
 void setTopVarList();
 void throwVars();  // drops everything compile-time that the last command left
 

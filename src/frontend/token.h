@@ -6,6 +6,7 @@
 
 #include <cstdint>
 
+#include "engine/interrupt.h"
 #include "engine/node.h"
 
 namespace vesko {
@@ -77,6 +78,18 @@ KeywordId isKeyword(const char *text);
 KeywordId isKeywordH(const char *text, uint32_t length);  // text need not end behind the word
 const char *getKeywordName(KeywordId id);
 const char *tok2str(const Token *token);  // text for messages, in a shared buffer
-[[noreturn]] void tokenError(const char *format, ...) __attribute__((format(printf, 1, 2)));
+
+// ---- Parse errors: the message is shown and the command abandoned. The text is the part behind the number.
+[[noreturn]] void tokenError(const char *format, ...)  // "Error <file> <current line>: <text>"
+    __attribute__((format(printf, 1, 2)));
+[[noreturn]] void syntaxError(uint32_t line, const char *format, ...)  // "Error <file> <line>: <text>"
+    __attribute__((format(printf, 2, 3)));
+[[noreturn]] void syntaxErrorColon(uint32_t line, const char *format, ...)  // "Error: <file> <line>: <text>"
+    __attribute__((format(printf, 2, 3)));
+[[noreturn]] void syntaxTooDeep();
+inline void guardParse() {  // at every recursive entry of the parsers
+    if (stackLow()) [[unlikely]]
+        syntaxTooDeep();
+}
 
 }  // namespace vesko
