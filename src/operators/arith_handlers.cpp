@@ -1,0 +1,130 @@
+// Node handlers of the arithmetic operators.
+#include "engine/errors.h"
+#include "engine/frame.h"
+#include "engine/handlers.h"
+#include "engine/interrupt.h"
+#include "operators/elementwise.h"
+#include "operators/plain.h"
+
+namespace vesko {
+
+// Releases the operands, one of which may be the result.
+static Matrix *releaseOperands(Matrix *result, Matrix *a, Matrix *b) {
+    keepResult(result);
+    releaseMat(a);
+    releaseMat(b);
+    return passResult(result);
+}
+
+// The left division hands its right operand over first.
+enum class Order { Given, Swapped };
+
+template <const BinaryFn *table, Order order = Order::Given>
+static Matrix *evalBinary(PcNode *node) {
+    guardStack();
+    Matrix *a = node->eval(0);
+    Matrix *b = node->eval(1);
+    Matrix *left = order == Order::Given ? a : b, *right = order == Order::Given ? b : a;
+    return releaseOperands(table[pairIndex(left, right)](left, right, node), a, b);
+}
+
+Matrix *getTreeSum(PcNode *node) { return evalBinary<sumfun>(node); }
+Matrix *getTreeSub(PcNode *node) { return evalBinary<subfun>(node); }
+Matrix *getTreeProduct(PcNode *node) { return evalBinary<mpyfun>(node); }
+Matrix *getTreeSlash(PcNode *node) { return evalBinary<dvdfun>(node); }
+Matrix *getTreeBsl(PcNode *node) { return evalBinary<bslfun, Order::Swapped>(node); }
+Matrix *getTreeDmu(PcNode *node) { return evalBinary<dmufun>(node); }
+Matrix *getTreeDdv(PcNode *node) { return evalBinary<ddvfun>(node); }
+Matrix *getTreeDpw(PcNode *node) { return evalBinary<dpwfun>(node); }
+Matrix *getTreeMod(PcNode *node) { return evalBinary<modfun>(node); }
+Matrix *getTreeQSum(PcNode *node) { return evalBinary<qsumfun>(node); }
+Matrix *getTreeQSub(PcNode *node) { return evalBinary<qsubfun>(node); }
+Matrix *getTreeQProd(PcNode *node) { return evalBinary<qmpyfun>(node); }
+
+Matrix *getTreeNegative(PcNode *node) {
+    guardStack();
+    Matrix *m = node->eval(0);
+    Matrix *r = keepResult(getMatNeg(m, node));
+    releaseMat(m);
+    return passResult(r);
+}
+
+Matrix *getTreeTrans(PcNode *node) {
+    guardStack();
+    Matrix *m = node->eval(0);
+    Matrix *r = getMatTrs(m, node);
+    if (r != m) releaseMat(m);
+    return r;
+}
+
+// ---- Two real scalars that the parser knows: V a variable whose domain admits nothing else, M a literal. An
+// unset variable takes the general way.
+static Matrix *variableOf(const PcNode *child) { return getVarMat(static_cast<uint32_t>(child->value)); }
+static Matrix *literalOf(const PcNode *child) { return child->constant; }
+
+template <class Op, auto left, auto right, ExecFn general>
+static Matrix *evalScalars(PcNode *node) {
+    const Matrix *a = left(node->child(0)), *b = right(node->child(1));
+    if (a->l1type != L1::RS || b->l1type != L1::RS) [[unlikely]]
+        return general(node);
+    return newRealScalarMat(Op::apply(*a->rdata, *b->rdata));
+}
+
+#define BIND(name, Op)                                                                                   \
+    Matrix *name##_VDS_VDS(PcNode *node) { return evalScalars<Op, variableOf, variableOf, name>(node); } \
+    Matrix *name##_VDS_MDS(PcNode *node) { return evalScalars<Op, variableOf, literalOf, name>(node); }  \
+    Matrix *name##_MDS_VDS(PcNode *node) { return evalScalars<Op, literalOf, variableOf, name>(node); }
+BIND(getTreeSum, Sum)
+BIND(getTreeSub, Sub)
+BIND(getTreeProduct, Mpy)
+BIND(getTreeSlash, Dvd)
+#undef BIND
+
+// ---- Powers. The parser marks a literal exponent: 2 and 3 are themselves, 12 is one half.
+enum PowerMark : int32_t { square = 2, cube = 3, square_root = 12 };
+
+template <class T>
+static T smallPower(T x, int32_t n) {
+    const T xx = Mpy::apply(x, x);
+    return n == square ? xx : Mpy::apply(xx, x);
+}
+
+static Matrix *complexSmallPower(double a, double b, int32_t n) {
+    if (n == square) return newCompScalarMat(a * a - b * b, 2.0 * a * b);
+    return newCompScalarMat((a * a - 3.0 * b * b) * a, (3.0 * a * a - b * b) * b);
+}
+
+static Matrix *scalarRoot(double x) {
+    return x < 0.0 ? newCompScalarMat(0.0, std::sqrt(-x)) : newRealScalarMat(std::sqrt(x));
+}
+
+// The power by the mark alone, or null where the base has no short way.
+static Matrix *markedPower(const Matrix *base, int32_t mark) {
+    switch (base->l2type) {
+        case L2::RS:
+            return mark == square_root ? scalarRoot(*base->rdata)
+                                       : newRealScalarMat(smallPower(*base->rdata, mark));
+        case L2::IS:
+            return mark == square_root ? scalarRoot(*base->ints())
+                                       : newIntScalarMat(smallPower(*base->ints(), mark));
+        case L2::CS:
+            if (mark == square_root) return nullptr;
+            return complexSmallPower(*base->re()->rdata, *base->im()->rdata, mark);
+        default: return nullptr;
+    }
+}
+
+Matrix *getTreePow(PcNode *node) {
+    if (node->value != square && node->value != cube && node->value != square_root)
+        return evalBinary<powfun>(node);
+    guardStack();
+    Matrix *base = node->eval(0);
+    if (Matrix *r = markedPower(base, node->value)) {
+        releaseMat(base);
+        return r;
+    }
+    Matrix *exponent = node->eval(1);
+    return releaseOperands(getMatPow(base, exponent, node), base, exponent);
+}
+
+}  // namespace vesko

@@ -1,0 +1,109 @@
+// The truth of values and of condition nodes, and the node handlers of comparisons and logic operators.
+#include <algorithm>
+
+#include "engine/handlers.h"
+#include "engine/interrupt.h"
+#include "operators/dispatch.h"
+#include "operators/families.h"
+
+namespace vesko {
+
+template <class T>
+static bool anyNonZero(const Matrix *m) {
+    const T *x = elementsOf<T>(m);
+    return std::any_of(x, x + m->length, [](T e) { return e != 0; });
+}
+
+bool getMatLogVal(const Matrix *m) {
+    switch (m->l2type) {
+        case L2::RS: return *m->rdata != 0.0;
+        case L2::IM:
+        case L2::IS: return anyNonZero<int32_t>(m);
+        case L2::RM: return anyNonZero<double>(m);
+        case L2::BY:
+        case L2::BI: return anyNonZero<uint8_t>(m);
+        case L2::CS:
+        case L2::CM: return anyNonZero<double>(m->re()) || anyNonZero<double>(m->im());
+        case L2::LS:
+        case L2::VL:
+        case L2::TX: return m->length != 0;
+        case L2::NUL: return false;
+        default: return true;  // ranges of zeros and structured matrices of zeros too
+    }
+}
+
+// ---- Comparisons of a node's children. Nothing is allocated: the answer is a truth, or a singleton.
+template <class Test>
+static inline bool testChildren(PcNode *node, Test test) {
+    guardStack();
+    Matrix *a = node->eval(0);
+    Matrix *b = node->eval(1);
+    const bool truth = test(a, b);
+    releaseMat(a);
+    releaseMat(b);
+    return truth;
+}
+
+template <const TruthFn *table>
+static bool compares(PcNode *node) {
+    return testChildren(node, [node](Matrix *a, Matrix *b) { return table[pairIndex(a, b)](a, b, node); });
+}
+
+template <const TruthFn *table>
+static bool comparesSwapped(PcNode *node) {
+    return testChildren(node, [node](Matrix *a, Matrix *b) { return table[pairIndex(b, a)](b, a, node); });
+}
+
+static bool isMember(PcNode *node) {
+    return testChildren(node, [node](Matrix *a, Matrix *b) { return memberOfSet(a, b, node) != 0; });
+}
+
+static bool evaluatesToTruth(PcNode *node) {
+    Matrix *m = node->exec(node);
+    const bool truth = getMatLogVal(m);
+    releaseMat(m);
+    return truth;
+}
+
+bool getPcLogVal(PcNode *node) {
+    guardStack();
+    switch (node->kind) {
+        case NodeKind::And: return getPcLogVal(node->child(0)) && getPcLogVal(node->child(1));
+        case NodeKind::Equal: return compares<equfun>(node);
+        case NodeKind::NotEqual: return !compares<equfun>(node);
+        case NodeKind::Less: return compares<lesfun>(node);
+        case NodeKind::Greater: return comparesSwapped<lesfun>(node);
+        case NodeKind::LessEqual: return compares<leqfun>(node);
+        case NodeKind::GreaterEqual: return comparesSwapped<leqfun>(node);
+        case NodeKind::MemberOf: return isMember(node);
+        default: return evaluatesToTruth(node);
+    }
+}
+
+Matrix *testPcEqual(PcNode *node) { return truthMat(compares<equfun>(node)); }
+Matrix *testPcNotequal(PcNode *node) { return truthMat(!compares<equfun>(node)); }
+Matrix *testPcLess(PcNode *node) { return truthMat(compares<lesfun>(node)); }
+Matrix *testPcGreater(PcNode *node) { return truthMat(comparesSwapped<lesfun>(node)); }
+Matrix *testPcLequal(PcNode *node) { return truthMat(compares<leqfun>(node)); }
+Matrix *testPcGequal(PcNode *node) { return truthMat(comparesSwapped<leqfun>(node)); }
+Matrix *testPcNot(PcNode *node) { return truthMat(!evaluatesToTruth(node->child(0))); }
+Matrix *testPcAnd(PcNode *node) {
+    return truthMat(getPcLogVal(node->child(0)) && getPcLogVal(node->child(1)));
+}
+Matrix *testPcOr(PcNode *node) {
+    return truthMat(getPcLogVal(node->child(0)) || getPcLogVal(node->child(1)));
+}
+
+// ---- Subset operators.
+template <bool (*test)(Matrix *, Matrix *, PcNode *), bool swapped>
+static Matrix *subsetTruth(PcNode *node) {
+    return truthMat(testChildren(
+        node, [node](Matrix *a, Matrix *b) { return swapped ? test(b, a, node) : test(a, b, node); }));
+}
+
+Matrix *checkSubset(PcNode *node) { return subsetTruth<testMatSubset, false>(node); }
+Matrix *checkSuperset(PcNode *node) { return subsetTruth<testMatSubset, true>(node); }
+Matrix *checkTSubset(PcNode *node) { return subsetTruth<testMatTsubset, false>(node); }
+Matrix *checkTSuperset(PcNode *node) { return subsetTruth<testMatTsubset, true>(node); }
+
+}  // namespace vesko
