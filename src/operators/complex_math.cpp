@@ -1,0 +1,70 @@
+// Quotients and powers of complex numbers.
+#include "operators/complex_math.h"
+
+#include <cmath>
+
+namespace vesko {
+
+// The larger part of the divisor is divided out first (Smith 1962). A real divisor divides both parts.
+Complex operator/(Complex a, Complex b) {
+    if (b.im == 0) return {a.re / b.re, a.im / b.re};
+    if (std::fabs(b.re) >= std::fabs(b.im)) {
+        const double r = b.im / b.re, d = b.re + b.im * r;
+        return {(a.re + a.im * r) / d, (a.im - a.re * r) / d};
+    }
+    const double r = b.re / b.im, d = b.re * r + b.im;
+    return {(a.re * r + a.im) / d, (a.im * r - a.re) / d};
+}
+
+Complex cmplIntPow(Complex x, int n) {
+    Complex power = {1, 0};
+    for (unsigned left = n < 0 ? 0u - static_cast<unsigned>(n) : n; left; left >>= 1) {
+        if (left & 1) power = power * x;
+        if (left > 1) x = x * x;
+    }
+    return n < 0 ? Complex{1, 0} / power : power;
+}
+
+// The square root of a negative number is purely imaginary to the last bit.
+void real_real_pow(double a, double b, double *re, double *im) {
+    if (!(a < 0) || b == std::floor(b)) {
+        *re = std::pow(a, b);
+        *im = 0;
+        return;
+    }
+    const double r = std::exp(b * std::log(-a));
+    *re = b == 0.5 ? 0 : r * std::cos(M_PI * b);
+    *im = b == 0.5 ? r : r * std::sin(M_PI * b);
+}
+
+void cmpl_cmpl_pow(double are, double aim, double bre, double bim, double *re, double *im) {
+    if (bim == 0) return cmpl_real_pow(are, aim, bre, re, im);
+    if (are == 0 && aim == 0) {
+        *re = bre > 0 ? 0 : std::nan("");
+        *im = *re;
+        return;
+    }
+    const double log_r = std::log(std::hypot(are, aim)), angle = std::atan2(aim, are);
+    const double r = std::exp(bre * log_r - bim * angle), turn = bim * log_r + bre * angle;
+    *re = r * std::cos(turn);
+    *im = r * std::sin(turn);
+}
+
+void cmpl_real_pow(double are, double aim, double b, double *re, double *im) {
+    constexpr double largest_chain = 1024;
+    if (b == std::floor(b) && std::fabs(b) <= largest_chain) {
+        const Complex power = cmplIntPow({are, aim}, static_cast<int>(b));
+        *re = power.re;
+        *im = power.im;
+        return;
+    }
+    const double r = std::pow(std::hypot(are, aim), b), turn = b * std::atan2(aim, are);
+    *re = r * std::cos(turn);
+    *im = r * std::sin(turn);
+}
+
+void real_cmpl_pow(double a, double bre, double bim, double *re, double *im) {
+    cmpl_cmpl_pow(a, 0, bre, bim, re, im);
+}
+
+}  // namespace vesko
