@@ -1,4 +1,5 @@
-// The ladders of the value operators, as data: what a pair of kinds means, and what each operator does about it.
+// The ladders of the value operators, as data: what a pair of kinds means, and what each operator does about
+// it.
 #include "operators/ladder.h"
 
 #include <array>
@@ -10,8 +11,23 @@ namespace vesko {
 namespace {
 
 enum class Pair : uint8_t {
-    Undefined, Reals, Ranges, RangeNumber, ByteNumber, Bytes, Dense, Unbuilt, Complex, Lists, FunctionList,
-    Function, Multidim, TextNumber, Texts, IntervalNumber, Intervals,
+    Undefined,
+    Reals,
+    Ranges,
+    RangeNumber,
+    ByteNumber,
+    Bytes,
+    Dense,
+    Unbuilt,
+    Complex,
+    Lists,
+    FunctionList,
+    Function,
+    Multidim,
+    TextNumber,
+    Texts,
+    IntervalNumber,
+    Intervals,
 };
 constexpr unsigned n_meanings = 17;
 
@@ -21,42 +37,42 @@ struct CodeRun {
     Pair meaning;
 };
 constexpr CodeRun code_runs[] = {
-    {0, 0, Pair::Ranges},           // RNG, RNG
-    {1, 2, Pair::Reals},            // kinds without a common exact form
-    {3, 4, Pair::Multidim},         // BY, BI, BIGINT, MPF with RMDM, CMDM
-    {5, 5, Pair::Reals},            // structured with RNG, BY, BI, BIGINT
-    {6, 7, Pair::Unbuilt},          // with BIGINT, with MPF
-    {8, 9, Pair::Complex},          // real-like with CS, CM
-    {10, 10, Pair::Lists},          // anything with a list
-    {11, 11, Pair::TextNumber},     // RNG, BIGINT, MPF with TX
-    {12, 12, Pair::Bytes},          // BY with BY, BI
-    {13, 13, Pair::TextNumber},     // BY, BI with TX
-    {14, 14, Pair::Bytes},          // BI, BI
-    {15, 17, Pair::Dense},          // UPPER with UPPER, LOWER, SYMM
-    {18, 19, Pair::Unbuilt},        // UPPER with BAND, SPARSE
-    {20, 23, Pair::Dense},          // UPPER with PM; LOWER with UPPER, LOWER, SYMM
-    {24, 25, Pair::Unbuilt},        // LOWER with BAND, SPARSE
-    {26, 29, Pair::Dense},          // LOWER with PM; SYMM with UPPER, LOWER, SYMM
-    {30, 31, Pair::Unbuilt},        // SYMM with BAND, SPARSE
-    {32, 35, Pair::Dense},          // SYMM with PM; PM with UPPER, LOWER, SYMM
-    {36, 37, Pair::Unbuilt},        // PM with BAND, SPARSE
-    {38, 38, Pair::Dense},          // PM, PM
-    {39, 54, Pair::Unbuilt},        // BAND, SPARSE, BIGINT, MPF with real-like kinds
-    {55, 57, Pair::Complex},        // CS with real-like and complex kinds
-    {58, 59, Pair::Multidim},       // CS with RMDM, CMDM
-    {60, 62, Pair::Complex},        // CM with real-like and complex kinds
-    {63, 64, Pair::Lists},          // a list with anything
-    {65, 65, Pair::FunctionList},   // UF with a list
-    {66, 66, Pair::Function},       // UF with a value
-    {67, 67, Pair::FunctionList},   // BF with a list
-    {68, 68, Pair::Function},       // BF with a value
-    {69, 69, Pair::Unbuilt},        // OBJ with anything
-    {70, 77, Pair::Multidim},       // RMDM, CMDM with numbers, CS and each other
-    {78, 78, Pair::TextNumber},     // TX with RNG, BY, BI, BIGINT, MPF
-    {79, 79, Pair::Texts},          // TX, TX
-    {82, 82, Pair::Intervals},      // ITV, ITV
-    {83, 84, Pair::IntervalNumber}, // ITV with BY, BI, BIGINT, MPF; and the mirror
-    {85, 85, Pair::Function},       // anything with a function
+    {0, 0, Pair::Ranges},            // RNG, RNG
+    {1, 2, Pair::Reals},             // kinds without a common exact form
+    {3, 4, Pair::Multidim},          // BY, BI, BIGINT, MPF with RMDM, CMDM
+    {5, 5, Pair::Reals},             // structured with RNG, BY, BI, BIGINT
+    {6, 7, Pair::Unbuilt},           // with BIGINT, with MPF
+    {8, 9, Pair::Complex},           // real-like with CS, CM
+    {10, 10, Pair::Lists},           // anything with a list
+    {11, 11, Pair::TextNumber},      // RNG, BIGINT, MPF with TX
+    {12, 12, Pair::Bytes},           // BY with BY, BI
+    {13, 13, Pair::TextNumber},      // BY, BI with TX
+    {14, 14, Pair::Bytes},           // BI, BI
+    {15, 17, Pair::Dense},           // UPPER with UPPER, LOWER, SYMM
+    {18, 19, Pair::Unbuilt},         // UPPER with BAND, SPARSE
+    {20, 23, Pair::Dense},           // UPPER with PM; LOWER with UPPER, LOWER, SYMM
+    {24, 25, Pair::Unbuilt},         // LOWER with BAND, SPARSE
+    {26, 29, Pair::Dense},           // LOWER with PM; SYMM with UPPER, LOWER, SYMM
+    {30, 31, Pair::Unbuilt},         // SYMM with BAND, SPARSE
+    {32, 35, Pair::Dense},           // SYMM with PM; PM with UPPER, LOWER, SYMM
+    {36, 37, Pair::Unbuilt},         // PM with BAND, SPARSE
+    {38, 38, Pair::Dense},           // PM, PM
+    {39, 54, Pair::Unbuilt},         // BAND, SPARSE, BIGINT, MPF with real-like kinds
+    {55, 57, Pair::Complex},         // CS with real-like and complex kinds
+    {58, 59, Pair::Multidim},        // CS with RMDM, CMDM
+    {60, 62, Pair::Complex},         // CM with real-like and complex kinds
+    {63, 64, Pair::Lists},           // a list with anything
+    {65, 65, Pair::FunctionList},    // UF with a list
+    {66, 66, Pair::Function},        // UF with a value
+    {67, 67, Pair::FunctionList},    // BF with a list
+    {68, 68, Pair::Function},        // BF with a value
+    {69, 69, Pair::Unbuilt},         // OBJ with anything
+    {70, 77, Pair::Multidim},        // RMDM, CMDM with numbers, CS and each other
+    {78, 78, Pair::TextNumber},      // TX with RNG, BY, BI, BIGINT, MPF
+    {79, 79, Pair::Texts},           // TX, TX
+    {82, 82, Pair::Intervals},       // ITV, ITV
+    {83, 84, Pair::IntervalNumber},  // ITV with BY, BI, BIGINT, MPF; and the mirror
+    {85, 85, Pair::Function},        // anything with a function
     {no_match, no_match, Pair::Undefined},
 };
 
@@ -73,13 +89,13 @@ struct KindMeaning {
     Pair meaning;
 };
 constexpr KindMeaning kind_meanings[] = {
-    {L2::RNG, Pair::RangeNumber}, {L2::BY, Pair::ByteNumber},      {L2::BI, Pair::ByteNumber},
-    {L2::UPPER, Pair::Dense},     {L2::LOWER, Pair::Dense},        {L2::SYMM, Pair::Dense},
-    {L2::BAND, Pair::Unbuilt},    {L2::SPARSE, Pair::Unbuilt},     {L2::PM, Pair::Dense},
-    {L2::BIGINT, Pair::Unbuilt},  {L2::MPF, Pair::Unbuilt},        {L2::CS, Pair::Complex},
-    {L2::CM, Pair::Complex},      {L2::LS, Pair::Lists},           {L2::VL, Pair::Lists},
-    {L2::UF, Pair::Function},     {L2::BF, Pair::Function},        {L2::OBJ, Pair::Unbuilt},
-    {L2::RMDM, Pair::Multidim},   {L2::CMDM, Pair::Multidim},      {L2::TX, Pair::TextNumber},
+    {L2::RNG, Pair::RangeNumber},    {L2::BY, Pair::ByteNumber},  {L2::BI, Pair::ByteNumber},
+    {L2::UPPER, Pair::Dense},        {L2::LOWER, Pair::Dense},    {L2::SYMM, Pair::Dense},
+    {L2::BAND, Pair::Unbuilt},       {L2::SPARSE, Pair::Unbuilt}, {L2::PM, Pair::Dense},
+    {L2::BIGINT, Pair::Unbuilt},     {L2::MPF, Pair::Unbuilt},    {L2::CS, Pair::Complex},
+    {L2::CM, Pair::Complex},         {L2::LS, Pair::Lists},       {L2::VL, Pair::Lists},
+    {L2::UF, Pair::Function},        {L2::BF, Pair::Function},    {L2::OBJ, Pair::Unbuilt},
+    {L2::RMDM, Pair::Multidim},      {L2::CMDM, Pair::Multidim},  {L2::TX, Pair::TextNumber},
     {L2::ITV, Pair::IntervalNumber},
 };
 

@@ -1,5 +1,5 @@
-// The steps of the operator ladders: what is done for a pair of operands at least one of which is PF. A step has
-// the contract of a value operator: it leaves its operands alone and releases only what it made.
+// The steps of the operator ladders: what is done for a pair of operands at least one of which is PF. A step
+// has the contract of a value operator: it leaves its operands alone and releases only what it made.
 #pragma once
 
 #include "operators/dispatch.h"
@@ -74,7 +74,8 @@ struct Pairing {
 bool pairUp(const Matrix *a, const Matrix *b, Pairing &p);
 
 // Calls f(k, i, j) for element k of the result, made of element i of the left and j of the right operand.
-template <class F> inline void eachPair(const Pairing &p, F f) {
+template <class F>
+inline void eachPair(const Pairing &p, F f) {
     size_t k = 0;
     for (size_t r = 0; r < p.rows; r++)
         for (size_t c = 0; c < p.cols; c++, k++) f(k, r * p.a_row + c * p.a_col, r * p.b_row + c * p.b_col);

@@ -1,9 +1,9 @@
-// Complex arithmetic on the two real parts. A real-like operand has no imaginary part, which is not the same as one
-// of zeros: the other part goes through as it stands.
+// Complex arithmetic on the two real parts. A real-like operand has no imaginary part, which is not the same
+// as one of zeros: the other part goes through as it stands.
 #include <algorithm>
 
 #include "engine/errors.h"
-#include "operators/complex_math.h"
+#include "numerics/complex_scalar.h"
 #include "operators/ladder.h"
 #include "values/convert.h"
 
@@ -73,9 +73,9 @@ Matrix *loneImaginary(Arith op, const Parts &x, const Parts &y, PcNode *node) {
 Complex powerOf(Complex a, Complex b) {
     Complex z;
     if (a.im == 0 && b.im == 0)
-        real_real_pow(a.re, b.re, &z.re, &z.im);
+        real_real_pow(a.re, b.re, z.re, z.im);
     else
-        cmpl_cmpl_pow(a.re, a.im, b.re, b.im, &z.re, &z.im);
+        cmpl_cmpl_pow(a.re, a.im, b.re, b.im, z.re, z.im);
     return z;
 }
 
@@ -123,8 +123,8 @@ Matrix *complexProduct(Arith, Matrix *a, Matrix *b, PcNode *node) {
     return finished(result, x, y);
 }
 
-// A quotient of matrices solves a linear system; a real divisor solves one for each part. The dotted quotient and
-// quotients with a scalar go element by element.
+// A quotient of matrices solves a linear system; a real divisor solves one for each part. The dotted quotient
+// and quotients with a scalar go element by element.
 Matrix *complexQuotient(Arith op, Matrix *a, Matrix *b, PcNode *node) {
     const Parts x = partsOf(a), y = partsOf(b);
     if (op == Arith::Ddv || isScalarPair(x, y)) return finished(eachComplex(x, y, node, divide), x, y);

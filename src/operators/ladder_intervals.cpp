@@ -1,5 +1,5 @@
-// Intervals shifted by a number, and interval arithmetic. A value holds n groups: lower end, upper end, lower flag,
-// upper flag.
+// Intervals shifted by a number, and interval arithmetic. A value holds n groups: lower end, upper end, lower
+// flag, upper flag.
 #include <cmath>
 #include <cstring>
 
@@ -30,7 +30,8 @@ Matrix *shiftInterval(Arith op, Matrix *a, Matrix *b, PcNode *node) {
     return result;
 }
 
-// One end of a result: made of an end of each operand; it belongs to the result only if both belong to theirs.
+// One end of a result: made of an end of each operand; it belongs to the result only if both belong to
+// theirs.
 struct End {
     double value, flag;
 };

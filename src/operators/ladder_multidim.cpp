@@ -1,4 +1,5 @@
-// Multidimensional values: the operators run over their elements as one column, and the result takes the extents.
+// Multidimensional values: the operators run over their elements as one column, and the result takes the
+// extents.
 #include <cassert>
 #include <cstring>
 

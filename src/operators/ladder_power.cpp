@@ -1,7 +1,8 @@
 // Powers with a PF base or exponent. Matrices have whole powers only, scalars have any, complex ones too.
 #include "engine/errors.h"
-#include "operators/complex_math.h"
+#include "numerics/complex_scalar.h"
 #include "operators/ladder.h"
+#include "operators/ladders.h"
 #include "values/convert.h"
 
 namespace vesko {
@@ -19,9 +20,9 @@ static Matrix *complexPower(const Matrix *a, const Matrix *b, PcNode *node) {
     Complex x, y, z;
     if (!extract_CS(a, x.re, x.im) || !extract_CS(b, y.re, y.im)) error_undef_opr2(node);
     if (b->l2type == L2::CS)
-        cmpl_cmpl_pow(x.re, x.im, y.re, y.im, &z.re, &z.im);
+        cmpl_cmpl_pow(x.re, x.im, y.re, y.im, z.re, z.im);
     else
-        cmpl_real_pow(x.re, x.im, y.re, &z.re, &z.im);
+        cmpl_real_pow(x.re, x.im, y.re, z.re, z.im);
     return newCompScalarMat(z.re, z.im);
 }
 

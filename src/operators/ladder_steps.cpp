@@ -1,4 +1,5 @@
-// Steps that serve many kinds: conversion to real, dense storage, lists, functions, sets and tables as factors.
+// Steps that serve many kinds: conversion to real, dense storage, lists, functions, sets and tables as
+// factors.
 #include <cassert>
 
 #include "builtins/bfunc.h"
@@ -127,7 +128,9 @@ Matrix *overLists(Arith op, Matrix *a, Matrix *b, PcNode *node) {
 
 // ---- Functions
 
-Matrix *functionAlgebra(Arith, Matrix *, Matrix *, PcNode *node) { error_not_built(node, "function algebra"); }
+Matrix *functionAlgebra(Arith, Matrix *, Matrix *, PcNode *node) {
+    error_not_built(node, "function algebra");
+}
 
 static Matrix *callFunction(Matrix *f, Matrix *argument, PcNode *node) {
     if (f->l2type == L2::BF) return callBf(f->builtin(), argument, node);
@@ -143,7 +146,8 @@ Matrix *functionProduct(Arith op, Matrix *a, Matrix *b, PcNode *node) {
 // ---- Products without a meaning as arithmetic. A set times a value tells whether the value belongs to it.
 
 static bool isDomainKind(L2 t) {
-    return t == L2::ITV || t == L2::FSET || t == L2::COMPLETE || t == L2::CLASS || t == L2::COND || t == L2::PTRSET;
+    return t == L2::ITV || t == L2::FSET || t == L2::COMPLETE || t == L2::CLASS || t == L2::COND ||
+           t == L2::PTRSET;
 }
 
 Matrix *productOfRest(Arith, Matrix *a, Matrix *b, PcNode *node) {

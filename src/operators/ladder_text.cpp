@@ -88,7 +88,8 @@ Matrix *repeatText(Arith, Matrix *a, Matrix *b, PcNode *node) {
     if (n < 1) error_undef_opr2(node);
     const uint32_t length = checkedLength(text->length, static_cast<uint32_t>(n));
     Matrix *result = newStrMat(checkedLength(1, uint64_t{length} + 1));
-    for (uint32_t at = 0; at < length; at += text->length) memcpy(result->text() + at, text->text(), text->length);
+    for (uint32_t at = 0; at < length; at += text->length)
+        memcpy(result->text() + at, text->text(), text->length);
     result->text()[length] = '\0';
     return result;
 }

@@ -2,6 +2,7 @@
 #include "engine/errors.h"
 #include "engine/interrupt.h"
 #include "operators/ladder.h"
+#include "operators/ladders.h"
 #include "operators/plain.h"
 #include "values/containers.h"
 #include "values/convert.h"
