@@ -23,6 +23,32 @@ struct BfInput {
     BfInput *next;
 };
 
+// A parameter of a built-in: its default value, and which values a spawn or an assignment may give it.
+struct BfParm {
+    const char *name;
+    Matrix *(*dflt)();
+    bool (*accepts)(const Matrix *value);
+};
+struct BfParmList {
+    const BfParm *first = nullptr;
+    uint32_t count = 0;
+
+    constexpr BfParmList() = default;
+    template <uint32_t N>
+    constexpr BfParmList(const BfParm (&parms)[N]) : first(parms), count(N) {}
+};
+
+// What the list of built-ins tells of one: builtins.def.
+struct BfRow {
+    const char *name;
+    BfWorker worker;
+    const char *inputs;  // names with a blank between them
+    bool noFold = false;
+    BfParmList parms = {};
+    uint32_t leastSpawn = 0;            // values that a spawn must give at least; 0: all
+    BfMaintainer maintainer = nullptr;  // null: parameters are kept by parms alone
+};
+
 struct Bfunc {
     uint32_t name;  // symbol
     bool noFold;    // never folded at parse time
@@ -32,22 +58,40 @@ struct Bfunc {
     BfMaintainer maintainer;  // null: cannot be spawned or reset
     uint32_t nparms;          // parameters that a spawn must supply
     Vector *parmNames;        // field indices, shared; null without parameters
-    Vector *parmValues;
+    Vector *parmValues;       // linked; null without parameters
+    const BfRow *row;         // null for functions that are made at run time
+
+    Matrix **parms() const { return parmValues ? reinterpret_cast<Matrix **>(parmValues->data) : nullptr; }
 };
 
-Matrix *callBf(Bfunc *bf, Matrix *args, PcNode *node);
-void freeBfunc(Bfunc *bf);
+// ---- Records
+Bfunc *make_Ni0p_bf(const char *name, const char *inputs, BfWorker worker, BfMaintainer maintainer);
+Bfunc *make_bf(const BfRow &row);                      // with the parameters of the row at their defaults
+void COPY_BF_COMMON(Bfunc *dest, const Bfunc *src);    // all but the parameter values
+Bfunc *copy_bf(const Bfunc *src, Vector *parmValues);  // takes the vector over
 Bfunc *cloneBfunc(const Bfunc *bf);
+void freeBfunc(Bfunc *bf);
+// The maintainer of built-ins whose parameters are told by their row. Values that a spawn leaves out are
+// those of the record that is spawned.
+Bfunc *parms_bf_maintainer(BfOperation op, Bfunc *bf, Vector *parmVector, Matrix *value, uint32_t field);
 
+// ---- Calls and parameters. Results are borrowed.
+Matrix *callBf(Bfunc *bf, Matrix *args, PcNode *node);
+Matrix *spawnBf(Matrix *bf, Vector *values,
+                PcNode *node);                       // f[...]: takes the vector over; refused: an error
+Matrix *getBfParm(const Bfunc *bf, uint32_t field);  // theDneMat if there is none of that name
+void resetBfParm(Bfunc *bf, uint32_t field, Matrix *value, PcNode *node);  // f.parm = value
+
+// ---- The tables
 void setBfunc();  // registers everything, at start
 uint32_t addBf(uint32_t symbol, Matrix *value);
 uint32_t findBuiltin(uint32_t symbol);  // index in the table of built-ins and constants, or not_found
 uint32_t findBf(uint32_t symbol);       // global that holds the built-in of that very name, or not_found
 Matrix *getBf(uint32_t k);
-const char *get_num_bf_name(uint32_t k);
+const char *get_num_bf_name(uint32_t k);  // name of a constant, "?" for all else
 PcNode *getBFCallNode(uint32_t k, PcNode *args, uint32_t line);
 
-// Domains that the language itself relies on.
-extern Matrix *Class_D;  // the real scalars
+// ---- Domains that the language itself relies on.
+extern Matrix *Class_R, *Class_Z, *Class_C, *Class_D, *Class_I, *Class_B, *Class_L, *Class_M;
 
 }  // namespace vesko

@@ -29,6 +29,7 @@ static void resizeFuncVec(int32_t room) {
 
 void initFuncStack() {
     initPins();
+    setPayloadFree(L2::UF, [](Matrix *m) { freeFuncRec(m->func()); });
     resizeFuncVec(16);
     while (fvcap < funcvec_room) {
         funcvec[fvcap] = newFunction(0);

@@ -46,5 +46,6 @@ Matrix *getTreeSlash_VDS_MDS(PcNode *node);
 Matrix *getTreeSlash_MDS_VDS(PcNode *node);
 Matrix *getMatRef_v_vrs(PcNode *node);
 Matrix *getMatRef2_v_vrs(PcNode *node);
+Matrix *doBuiltFCall(PcNode *node);
 
 }  // namespace vesko

@@ -1,0 +1,21 @@
+// The workers of the list of built-ins, and the parameters that some of them have.
+#pragma once
+
+#include "builtins/bfunc.h"
+
+namespace vesko {
+
+#define BF(name, worker, inputs, ...) Matrix *worker(Matrix *args, Matrix **parms, PcNode *node);
+#include "builtins/builtins.def"
+#undef BF
+
+extern const BfParm interval_parms[1];
+extern const BfParm length_parms[2];
+
+// Domains of the display settings: what they accept, they apply.
+Matrix *disp_format_domain_bf(Matrix *args, Matrix **parms, PcNode *node);
+Matrix *disp_format_scalar_domain_bf(Matrix *args, Matrix **parms, PcNode *node);
+Matrix *disp_ndigits_domain_bf(Matrix *args, Matrix **parms, PcNode *node);
+Matrix *disp_ndigits_scalar_domain_bf(Matrix *args, Matrix **parms, PcNode *node);
+
+}  // namespace vesko
