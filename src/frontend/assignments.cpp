@@ -1,0 +1,204 @@
+// Assignments and steps: stores to variables with their domains, to places and to several targets, the
+// compound forms, ++ and --.
+#include "engine/handlers.h"
+#include "frontend/builders.h"
+#include "frontend/complaint.h"
+#include "frontend/parser.h"
+#include "frontend/symbols.h"
+#include "operators/dispatch.h"
+
+namespace vesko {
+
+// ---- Places --------------------------------------------------------------------------------------
+
+// Assignment of a value to a target that is no plain variable.
+static PcNode *newStoreNode(PcNode *target, PcNode *value) {
+    PcNode *node = newPcNode(target->kind, target->value, 2, target->line);
+    setPcCub(node, 0, target);
+    setPcCub(node, 1, value);
+    setAsgnOpr(node);
+    return node;
+}
+
+// A target in brackets of its own is the target: `(a) = 1`, `[a] = 1`.
+static Token *openTarget(Token *left) {
+    while (isSingle(left) && (left->is(TokenKind::ParenGroup) || left->is(TokenKind::BracketGroup)) &&
+           countParts(left->first, TokenKind::Comma) == 1) {
+        left = left->first;
+    }
+    return left;
+}
+
+// ---- Steps ---------------------------------------------------------------------------------------
+
+static PcNode *newStepNode(PcNode *target, Opr step) {
+    PcNode *sum = newPcNode(step == Opr::PreInc ? Opr::Sum : Opr::Sub, no_value, 2, target->line);
+    setPcCub(sum, 0, target);
+    setPcCub(sum, 1, newNumNode(1.0, target->line));
+    return newStoreNode(target, sum);
+}
+
+PcNode *buildPreStep(Opr op, Token *right) {
+    PcNode *target = getLValueNode(right);
+    if (target->kind != Opr::Variable) return newStepNode(target, op);
+    setOpr(target, op);
+    return target;
+}
+
+PcNode *buildPostStep(Opr op, Token *left) {
+    PcNode *target = getLValueNode(left);
+    if (target->kind == Opr::Variable) {
+        setOpr(target, op == Opr::PreInc ? Opr::PostInc : Opr::PostDec);
+        return target;
+    }
+    PcNode *node = newPcNode(Opr::PostIncDec, no_value, 1, target->line);
+    setPcCub(node, 0, newStepNode(target, op));
+    return node;
+}
+
+// ---- Plain variables -----------------------------------------------------------------------------
+
+static ExecFn declarationHandler(const CtVar *var) {
+    if (progstkdepth == 0 || ctscope->kind == 'P') return initVarDomain_VV;
+    switch (var->attr) {
+        case DomainMode::KnownKnown: return initVarDomain_CC;
+        case DomainMode::KnownRun: return initVarDomain_CV;
+        case DomainMode::RunKnown: return initVarDomain_VC;
+        default: return initVarDomain_VV;
+    }
+}
+
+static PcNode *newVarStoreNode(uint32_t k, PcNode *value) {
+    PcNode *node = newPcNode(Opr::VarAsgn, static_cast<int32_t>(k), 1, value->line);
+    setPcCub(node, 0, value);
+    return node;
+}
+
+// `x = v in D`
+static PcNode *declareVariable(const Token *name, PcNode *in_node) {
+    uint32_t k = cFindVarIndexWithDomain(name->symbol, in_node);
+    copyIfProtected(in_node->child(0));
+    PcNode *node = newVarStoreNode(k, in_node);
+    node->exec = declarationHandler(getCtVar(k));
+    return node;
+}
+
+// A running loop counter always holds a value of its domain.
+static bool isCounterOfDomain(const PcNode *value, const CtVar *var) {
+    if (value->kind != Opr::CopyVar || !var->hasKnownDomain()) return false;
+    const CtVar *counter = getCtVar(static_cast<uint32_t>(value->value));
+    return counter->hasKnownDomain() && counter->domain == var->domain;
+}
+
+static bool needsDomainCheck(PcNode *value, const CtVar *var) {
+    if (var->isFree() || isCounterOfDomain(value, var)) return false;
+    bool tested_now = value->isConstant() && var->hasKnownDomain() &&
+                      memberOfSet(value->constant, var->domain, value) != 0;
+    return !tested_now;
+}
+
+static bool readsVariable(const PcNode *node, int32_t k) { return node->kind == Opr::Variable && node->value == k; }
+
+// The operand of a product stands in a list node.
+static PcNode *unwrapped(PcNode *node) {
+    return node->kind == Opr::List && node->ncub == 1 ? node->child(0) : node;
+}
+
+// `x = x + e` becomes `x += e`, and so do the other three operators.
+static bool foldIntoCompound(PcNode *node) {
+    PcNode *value = node->child(0);
+    Opr op;
+    switch (value->kind) {
+        case Opr::Sum: op = Opr::AddAsgn; break;
+        case Opr::Sub: op = Opr::SubAsgn; break;
+        case Opr::Product: op = Opr::MulAsgn; break;
+        case Opr::Slash: op = Opr::DvdAsgn; break;
+        default: return false;
+    }
+    if (!readsVariable(value->child(0), node->value)) return false;
+    setPcCub(node, 0, unwrapped(value->child(1)));
+    setOpr(node, op);
+    return true;
+}
+
+static PcNode *assignVariable(const Token *name, PcNode *value) {
+    uint32_t k = cFindVarIndex(name->symbol);
+    if (isprotected(k)) {
+        complain(name->line, "attempt to change protected variable '%s'", getSymbolName(name->symbol));
+    }
+    PcNode *node = newVarStoreNode(k, copyIfProtected(value));
+    if (needsDomainCheck(value, getCtVar(k))) {
+        node->exec = doVarAsgnChkDomain;
+        return node;
+    }
+    if (!foldIntoCompound(node)) setOpr(node, Opr::VarAsgn);
+    return node;
+}
+
+// ---- Several targets -----------------------------------------------------------------------------
+
+static bool isListNode(const PcNode *node) {
+    return node->kind == Opr::List || node->kind == Opr::VList || node->kind == Opr::Sequence;
+}
+
+static PcNode *assignTargetList(PcNode *targets, PcNode *value) {
+    bool written_out = isListNode(value);
+    if (written_out && value->ncub != targets->ncub) {
+        complain(targets->line, "lhs and rhs in assignment have unequal number of items");
+    }
+    PcNode *node = newStoreNode(targets, value);
+    if (written_out && targets->value == no_value) node->exec = doMultiVarAsgn_rhs_list;
+    return node;
+}
+
+PcNode *buildAssignment(Opr, Token *left, Token *right) {
+    Token *target = openTarget(left);
+    PcNode *value = parseTokenList(right);
+    if (isSingleIdentifier(target)) {
+        return value->kind == Opr::In ? declareVariable(target, value) : assignVariable(target, value);
+    }
+    PcNode *place = cGetLValueNode(target);
+    return place->kind == Opr::TargetList ? assignTargetList(place, value) : newStoreNode(place, value);
+}
+
+// ---- Links and compound forms --------------------------------------------------------------------
+
+PcNode *buildLink(Opr, Token *right) {
+    PcNode *node = parseTokenList(right);
+    if (node->kind != Opr::Variable) complain(node->line, "attempt to take address of non-variable");
+    setOpr(node, Opr::Link);
+    return node;
+}
+
+PcNode *buildLinkAssignment(Opr, Token *left, Token *right) {
+    PcNode *link = parseTokenList(right);
+    if (link->kind != Opr::Variable) {
+        complain(right->line, "attempt to take address of non-variable '%s'", tok2str(right));
+    }
+    setOpr(link, Opr::Link);
+    PcNode *target = cGetLValueNode(left);
+    if (target->kind != Opr::Variable) return newStoreNode(target, link);
+    PcNode *node = newVarStoreNode(static_cast<uint32_t>(target->value), link);
+    if (!getCtVar(static_cast<uint32_t>(target->value))->isFree()) node->exec = doVarAsgnChkDomain;
+    return node;
+}
+
+// The target's subtree is read and assigned to, so its indices are evaluated twice.
+static PcNode *compoundStore(Opr op, PcNode *target, PcNode *operand) {
+    if (target->kind == Opr::TargetList) complain(target->line, "invalid lvalue16 '%s'", opr2str(op));
+    PcNode *value = newPcNode(cmpasgn2opr(op), no_value, 2, target->line);
+    setPcCub(value, 0, target);
+    setPcCub(value, 1, operand);
+    return newStoreNode(target, value);
+}
+
+PcNode *buildCompoundAssignment(Opr op, Token *left, Token *right) {
+    PcNode *operand = parseTokenList(right);
+    PcNode *target = cGetLValueNode(left);
+    if (target->kind != Opr::Variable) return compoundStore(op, target, operand);
+    addPcCub(target, operand);
+    setOpr(target, op);
+    return target;
+}
+
+}  // namespace vesko
