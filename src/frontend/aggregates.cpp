@@ -2,9 +2,9 @@
 #include <cassert>
 
 #include "frontend/builders.h"
-#include "frontend/complaint.h"
 #include "frontend/parser.h"
 #include "frontend/symbols.h"
+#include "values/matrix.h"
 
 namespace vesko {
 
@@ -20,10 +20,10 @@ uint32_t countParts(Token *list, TokenKind separator) {
     for (Token *token = list, *last = list; token; last = token, token = token->next) {
         bool at_separator = token->is(separator);
         if (at_separator && expected) {
-            complain(token->line, "token expected before '%c'", separatorChar(separator));
+            syntaxError(token->line, "token expected before '%c'", separatorChar(separator));
         }
         if (at_separator && !token->next) {
-            complain(last->line, "token expected after '%c'", separatorChar(separator));
+            syntaxError(last->line, "token expected after '%c'", separatorChar(separator));
         }
         n += at_separator;
         expected = at_separator;
@@ -77,7 +77,8 @@ PcNode *parseMat(Token *list, uint32_t line) {
     uint32_t n = countParts(list, TokenKind::Semicolon);
     if (n < 2) return parseMatRow(list, line);
     PcNode *mat = newPcNode(Opr::MatRows, no_value, n, line);
-    for (uint32_t k = 0; k < n; k++) setPcCub(mat, k, parseMatRow(readHead(list, TokenKind::Semicolon), line));
+    for (uint32_t k = 0; k < n; k++)
+        setPcCub(mat, k, parseMatRow(readHead(list, TokenKind::Semicolon), line));
     return foldMatrix(mat);
 }
 
@@ -102,7 +103,7 @@ static PcNode *parseListRows(Token *list, uint32_t rows, uint32_t line) {
     uint32_t columns = countParts(row, TokenKind::Comma);
     PcNode *node = newPcNode(Opr::List, static_cast<int32_t>(columns), rows * columns, line);
     for (uint32_t i = 0; i < rows; i++) {
-        if (countParts(row, TokenKind::Comma) != columns) complain(line, "list with uneven rows");
+        if (countParts(row, TokenKind::Comma) != columns) syntaxError(line, "list with uneven rows");
         for (uint32_t j = 0; j < columns; j++) {
             setPcCub(node, i * columns + j, parseItem(readHead(row, TokenKind::Comma)));
         }
@@ -132,7 +133,7 @@ static PcNode *newItemNode(Opr kind, int32_t value, PcNode *key, PcNode *data) {
 }
 
 static uint32_t itemName(const Token *left) {
-    if (!isSingleIdentifier(left)) complain(left->line, "invalid lvalue'%s'", tok2str(left));
+    if (!isSingleIdentifier(left)) syntaxError(left->line, "invalid lvalue'%s'", tok2str(left));
     return left->symbol;
 }
 
@@ -160,9 +161,9 @@ static PcNode *parseStructItem(Token *part, ItemForm &form) {
 
 [[noreturn]] static void refuseItem(ItemForm expected, const Token *item) {
     switch (expected) {
-        case ItemForm::Field: complain(item->line, "struct field '%s' not initialized", tok2str(item));
-        case ItemForm::Entry: complain(item->line, "hash entry expected but got '%s'", tok2str(item));
-        default: complain(item->line, "when definting a set, field or hash entry unexpected");
+        case ItemForm::Field: syntaxError(item->line, "struct field '%s' not initialized", tok2str(item));
+        case ItemForm::Entry: syntaxError(item->line, "hash entry expected but got '%s'", tok2str(item));
+        default: syntaxError(item->line, "when definting a set, field or hash entry unexpected");
     }
 }
 
@@ -170,7 +171,7 @@ static PcNode *parseStructItem(Token *part, ItemForm &form) {
 static void refuseDuplicate(const PcNode *node, uint32_t k, const Token *name) {
     for (uint32_t i = 0; i < k; i++) {
         if (node->child(i)->value == node->child(k)->value) {
-            complain(name->line, "duplicate field '%s'", tok2str(name));
+            syntaxError(name->line, "duplicate field '%s'", tok2str(name));
         }
     }
 }
@@ -202,19 +203,21 @@ PcNode *parseStruct(Token *list, uint32_t line) {
 // ---- Named arguments -----------------------------------------------------------------------------
 
 static PcNode *parseNpItem(Token *part) {
-    if (isSingleIdentifier(part)) complain(part->line, "field '%s' not initialized", tok2str(part));
-    if (isSingle(part)) complain(part->line, "'%s' is not valid field; identifier expected", tok2str(part));
+    if (isSingleIdentifier(part)) syntaxError(part->line, "field '%s' not initialized", tok2str(part));
+    if (isSingle(part))
+        syntaxError(part->line, "'%s' is not valid field; identifier expected", tok2str(part));
     Token *left, *right;
     Opr op = splitTokenList(part, left, right);
-    if (!left || !right) complain(part->line, "invalid struct field '%s'", tok2str(part));
-    if (op != Opr::VarAsgn) complain(part->line, "'%s...' not a valid field or not initialized", tok2str(part));
+    if (!left || !right) syntaxError(part->line, "invalid struct field '%s'", tok2str(part));
+    if (op != Opr::VarAsgn)
+        syntaxError(part->line, "'%s...' not a valid field or not initialized", tok2str(part));
     uint32_t symbol = itemName(left);
     return newItemNode(Opr::FieldItem, static_cast<int32_t>(symbol), nullptr, parseTokenList(right));
 }
 
 PcNode *parseNpArgs(Token *list, uint32_t line) {
     uint32_t n = countParts(list, TokenKind::Comma);
-    if (n == 0) complain(line, "empty argument list");
+    if (n == 0) syntaxError(line, "empty argument list");
     PcNode *node = newPcNode(Opr::Struct, static_cast<int32_t>(n), n, line);
     for (uint32_t k = 0; k < n; k++) {
         Token *item = readHead(list, TokenKind::Comma);

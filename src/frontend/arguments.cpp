@@ -1,9 +1,9 @@
 // Argument lists of calls and index lists, with holes, defaults, and the limit that `$` stands for.
 #include "engine/handlers.h"
 #include "frontend/builders.h"
-#include "frontend/complaint.h"
 #include "frontend/parser.h"
 #include "frontend/symbols.h"
+#include "values/matrix.h"
 
 namespace vesko {
 
@@ -17,7 +17,7 @@ PcNode *topReference() { return refstackptr < 0 ? nullptr : refstack[refstackptr
 void resetRefStackPtr() { refstackptr = -1; }
 
 static PcNode *parseWithLimit(Token *list, Opr limit_kind, PcNode *base) {
-    if (refstackptr + 1 == refstack_size) complain(list->line, "indices nested too deep");
+    if (refstackptr + 1 == refstack_size) syntaxError(list->line, "indices nested too deep");
     PcNode *limit = newPcNode(limit_kind, no_value, 1, list->line);
     setPcCub(limit, 0, base);
     refstack[++refstackptr] = limit;
@@ -106,8 +106,8 @@ static PcNode *newIndexNode(int32_t value, uint32_t n, uint32_t line) {
 // Its value is 2 for `i;j`, 3 for three items and more, 1 otherwise.
 static PcNode *parseRefArg(const IndexParser &parser, Token *list, uint32_t line) {
     uint32_t blocks = countParts(list, TokenKind::Semicolon);
-    if (blocks == 0) complain(line, "empty index expression");
-    if (blocks > 2) complain(line, "indexing expression has too many items");
+    if (blocks == 0) syntaxError(line, "empty index expression");
+    if (blocks > 2) syntaxError(line, "indexing expression has too many items");
     if (blocks == 2) {
         PcNode *node = newIndexNode(2, 2, line);
         parser.parsePair(node, list, TokenKind::Semicolon);
@@ -117,7 +117,8 @@ static PcNode *parseRefArg(const IndexParser &parser, Token *list, uint32_t line
     PcNode *node = newIndexNode(n < 3 ? 1 : 3, n, line);
     if (n == 1) setPcCub(node, 0, parser.parseFirst(list, parser.total));
     if (n == 2) parser.parsePair(node, list, TokenKind::Comma);
-    for (uint32_t k = 0; n > 2 && k < n; k++) setPcCub(node, k, parseTokenList(readHead(list, TokenKind::Comma)));
+    for (uint32_t k = 0; n > 2 && k < n; k++)
+        setPcCub(node, k, parseTokenList(readHead(list, TokenKind::Comma)));
     return node;
 }
 
@@ -157,7 +158,7 @@ static Opr ref2Kind(const PcNode *row, const PcNode *column) {
 
 static PcNode *makeRef2Node(PcNode *base, PcNode *indices) {
     PcNode *row = indices->child(0), *column = indices->child(1);
-    if (isDiagonal(row) && isHole(column)) complain(base->line, "invalid indexing expression");
+    if (isDiagonal(row) && isHole(column)) syntaxError(base->line, "invalid indexing expression");
     PcNode *node = newRefNode(ref2Kind(row, column), base, indices);
     fillHoles(indices);
     bool scalars = node->kind == Opr::Ref2 && is_ds_node(row) && is_ds_node(column);
@@ -185,20 +186,20 @@ static Token *openBracket(Token *tokens) {
 PcNode *makeListEntryNode(PcNode *base, Token *tokens) {
     uint32_t line = tokens->line;
     PcNode *indices = parseRefArg({base, IndexMode::Entry, Opr::MaxListIndex}, openBracket(tokens), line);
-    if (indices->ncub != 1) complain(line, "too many items in list indexing expression");
+    if (indices->ncub != 1) syntaxError(line, "too many items in list indexing expression");
     return newRefNode(Opr::ListEntry, base, indices->child(0));
 }
 
 PcNode *makeHashEntryNode(PcNode *base, Token *tokens) {
     uint32_t line = tokens->line;
     if (tokens->isKeyword(KeywordId::Default)) {
-        if (tokens->next) complain(line, "unexpected token2 '%s'", tok2str(tokens->next));
+        if (tokens->next) syntaxError(line, "unexpected token2 '%s'", tok2str(tokens->next));
         PcNode *node = newPcNode(Opr::DfltHashEntry, no_value, 1, line);
         setPcCub(node, 0, base);
         return node;
     }
     PcNode *indices = parseRefArg({base, IndexMode::Entry, Opr::MaxListIndex}, openBracket(tokens), line);
-    if (indices->ncub != 1) complain(line, "comma unexpected");
+    if (indices->ncub != 1) syntaxError(line, "comma unexpected");
     return newRefNode(Opr::HashEntry, base, indices->child(0));
 }
 

@@ -2,7 +2,6 @@
 // compound forms, ++ and --.
 #include "engine/handlers.h"
 #include "frontend/builders.h"
-#include "frontend/complaint.h"
 #include "frontend/parser.h"
 #include "frontend/symbols.h"
 #include "operators/dispatch.h"
@@ -92,12 +91,14 @@ static bool isCounterOfDomain(const PcNode *value, const CtVar *var) {
 
 static bool needsDomainCheck(PcNode *value, const CtVar *var) {
     if (var->isFree() || isCounterOfDomain(value, var)) return false;
-    bool tested_now = value->isConstant() && var->hasKnownDomain() &&
-                      memberOfSet(value->constant, var->domain, value) != 0;
+    bool tested_now =
+        value->isConstant() && var->hasKnownDomain() && memberOfSet(value->constant, var->domain, value) != 0;
     return !tested_now;
 }
 
-static bool readsVariable(const PcNode *node, int32_t k) { return node->kind == Opr::Variable && node->value == k; }
+static bool readsVariable(const PcNode *node, int32_t k) {
+    return node->kind == Opr::Variable && node->value == k;
+}
 
 // The operand of a product stands in a list node.
 static PcNode *unwrapped(PcNode *node) {
@@ -124,7 +125,7 @@ static bool foldIntoCompound(PcNode *node) {
 static PcNode *assignVariable(const Token *name, PcNode *value) {
     uint32_t k = cFindVarIndex(name->symbol);
     if (isprotected(k)) {
-        complain(name->line, "attempt to change protected variable '%s'", getSymbolName(name->symbol));
+        syntaxError(name->line, "attempt to change protected variable '%s'", getSymbolName(name->symbol));
     }
     PcNode *node = newVarStoreNode(k, copyIfProtected(value));
     if (needsDomainCheck(value, getCtVar(k))) {
@@ -144,7 +145,7 @@ static bool isListNode(const PcNode *node) {
 static PcNode *assignTargetList(PcNode *targets, PcNode *value) {
     bool written_out = isListNode(value);
     if (written_out && value->ncub != targets->ncub) {
-        complain(targets->line, "lhs and rhs in assignment have unequal number of items");
+        syntaxError(targets->line, "lhs and rhs in assignment have unequal number of items");
     }
     PcNode *node = newStoreNode(targets, value);
     if (written_out && targets->value == no_value) node->exec = doMultiVarAsgn_rhs_list;
@@ -165,7 +166,7 @@ PcNode *buildAssignment(Opr, Token *left, Token *right) {
 
 PcNode *buildLink(Opr, Token *right) {
     PcNode *node = parseTokenList(right);
-    if (node->kind != Opr::Variable) complain(node->line, "attempt to take address of non-variable");
+    if (node->kind != Opr::Variable) syntaxError(node->line, "attempt to take address of non-variable");
     setOpr(node, Opr::Link);
     return node;
 }
@@ -173,7 +174,7 @@ PcNode *buildLink(Opr, Token *right) {
 PcNode *buildLinkAssignment(Opr, Token *left, Token *right) {
     PcNode *link = parseTokenList(right);
     if (link->kind != Opr::Variable) {
-        complain(right->line, "attempt to take address of non-variable '%s'", tok2str(right));
+        syntaxError(right->line, "attempt to take address of non-variable '%s'", tok2str(right));
     }
     setOpr(link, Opr::Link);
     PcNode *target = cGetLValueNode(left);
@@ -185,7 +186,7 @@ PcNode *buildLinkAssignment(Opr, Token *left, Token *right) {
 
 // The target's subtree is read and assigned to, so its indices are evaluated twice.
 static PcNode *compoundStore(Opr op, PcNode *target, PcNode *operand) {
-    if (target->kind == Opr::TargetList) complain(target->line, "invalid lvalue16 '%s'", opr2str(op));
+    if (target->kind == Opr::TargetList) syntaxError(target->line, "invalid lvalue16 '%s'", opr2str(op));
     PcNode *value = newPcNode(cmpasgn2opr(op), no_value, 2, target->line);
     setPcCub(value, 0, target);
     setPcCub(value, 1, operand);

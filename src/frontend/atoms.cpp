@@ -1,7 +1,6 @@
 // Operands of one token: literals, names, groups and definitions.
 #include "builtins/bfunc.h"
 #include "frontend/builders.h"
-#include "frontend/complaint.h"
 #include "frontend/parser.h"
 #include "frontend/symbols.h"
 #include "values/convert.h"
@@ -34,18 +33,18 @@ static PcNode *newNameNode(const Token *token) {
     if ((k = findGv(symbol)) != not_found) return leaf(Opr::GlobalVar);
     if ((k = findBuiltin(symbol)) != not_found) return leaf(Opr::Builtin);
     if ((k = findSyscmd(getSymbolName(symbol))) != not_found) return leaf(Opr::SysCommand);
-    complain(token->line, "symbol \"%s\" not defined", getSymbolName(symbol));
+    syntaxError(token->line, "symbol \"%s\" not defined", getSymbolName(symbol));
 }
 
 static PcNode *topReferenceNode(const Token *token) {
     PcNode *limit = topReference();
-    if (!limit) complain(token->line, "unexpected token '$'");
+    if (!limit) syntaxError(token->line, "unexpected token '$'");
     return limit;
 }
 
 [[noreturn]] static void refuseToken(const Token *token) {
-    complain(token->line, "unexpected token1 '%s', type=%d, NA=%d", tok2str(token),
-             static_cast<int>(index(token->kind)), no_value);
+    syntaxError(token->line, "unexpected token1 '%s', type=%d, NA=%d", tok2str(token),
+                static_cast<int>(index(token->kind)), no_value);
 }
 
 // ---- The token -----------------------------------------------------------------------------------
@@ -57,10 +56,10 @@ PcNode *processTokenAtom(Token *token) {
         case TokenKind::Imaginary: return newMatPcNode(newCompScalarMat(0.0, token->number), line);
         case TokenKind::Integer: return newZNumNode(token->number, line);
         case TokenKind::Byte: return newBNumNode(token->number, line);
-        case TokenKind::BigInt: complain(line, "big integer literals are not built yet");
-        case TokenKind::Mpf: complain(line, "multi-precision literals are not built yet");
+        case TokenKind::BigInt: syntaxError(line, "big integer literals are not built yet");
+        case TokenKind::Mpf: syntaxError(line, "multi-precision literals are not built yet");
         case TokenKind::Regexp:
-        case TokenKind::Regsub: complain(line, "regular expression literals are not built yet");
+        case TokenKind::Regsub: syntaxError(line, "regular expression literals are not built yet");
         case TokenKind::String: return newMatPcNode(newStrMatCopy(token->text), line);
         case TokenKind::Colon: return newMatPcNode(theRng0Mat(), line);
         case TokenKind::Dollar: return topReferenceNode(token);
@@ -72,8 +71,8 @@ PcNode *processTokenAtom(Token *token) {
         case TokenKind::ClassBlock: return readClass(token->inst);
         case TokenKind::ConditionalBlock: return readConditional(token->inst);
         case TokenKind::AutomatonBlock: return readproc(token->inst);
-        case TokenKind::Global: complain(line, "unexpected keyword 'global'");
-        case TokenKind::Builtin: complain(line, "unexpected keyword 'builtin'");
+        case TokenKind::Global: syntaxError(line, "unexpected keyword 'global'");
+        case TokenKind::Builtin: syntaxError(line, "unexpected keyword 'builtin'");
         case TokenKind::Parent: return newPcNode(Opr::Parent, no_value, 0, line);
         case TokenKind::This: return newPcNode(Opr::This, no_value, 0, line);
         default: refuseToken(token);

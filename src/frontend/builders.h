@@ -17,7 +17,9 @@ struct Cut {
 Cut findCut(Token *list);
 void cutAt(Token *list, const Cut &cut, Token *&left, Token *&right);
 inline bool isSingle(const Token *list) { return list && !list->next; }
-inline bool isSingleIdentifier(const Token *list) { return isSingle(list) && list->is(TokenKind::Identifier); }
+inline bool isSingleIdentifier(const Token *list) {
+    return isSingle(list) && list->is(TokenKind::Identifier);
+}
 inline bool isGroup(TokenKind kind) {
     return kind == TokenKind::ParenGroup || kind == TokenKind::BracketGroup || kind == TokenKind::BraceGroup;
 }

@@ -1,7 +1,6 @@
 // Calls and fields: what `f(...)`, `f{...}` and `a.b` build.
 #include "builtins/bfunc.h"
 #include "frontend/builders.h"
-#include "frontend/complaint.h"
 #include "frontend/parser.h"
 #include "frontend/symbols.h"
 
@@ -13,27 +12,28 @@ static bool isSingleOf(const Token *list, TokenKind kind) { return isSingle(list
 
 static uint32_t fieldSymbol(const Token *right) {
     if (isSingleOf(right, TokenKind::ParenGroup)) {
-        complain(right->line, "field name %s is  par", tok2str(right));
+        syntaxError(right->line, "field name %s is  par", tok2str(right));
     }
-    if (!isSingleIdentifier(right)) complain(right->line, "field name %s not an identifier", tok2str(right));
+    if (!isSingleIdentifier(right))
+        syntaxError(right->line, "field name %s not an identifier", tok2str(right));
     return right->symbol;
 }
 
 static PcNode *newGlobalNode(uint32_t symbol, uint32_t line) {
     uint32_t k = findGv(symbol);
-    if (k == not_found) complain(line, "global name '%s' undefined", getSymbolName(symbol));
+    if (k == not_found) syntaxError(line, "global name '%s' undefined", getSymbolName(symbol));
     return newPcNode(Opr::GlobalVar, static_cast<int32_t>(k), 0, line);
 }
 
 static PcNode *newBuiltinNode(uint32_t symbol, uint32_t line) {
     uint32_t k = findBuiltin(symbol);
-    if (k == not_found) complain(line, "built-in name '%s' undefined", getSymbolName(symbol));
+    if (k == not_found) syntaxError(line, "built-in name '%s' undefined", getSymbolName(symbol));
     return newPcNode(Opr::Builtin, static_cast<int32_t>(k), 0, line);
 }
 
 static PcNode *newParameterNode(uint32_t symbol, uint32_t line) {
     uint32_t k = findAnyParameter(symbol);
-    if (k == not_found) complain(line, "parameter not found");
+    if (k == not_found) syntaxError(line, "parameter not found");
     return newPcNode(Opr::Parameter, static_cast<int32_t>(k), 0, line);
 }
 
@@ -109,18 +109,20 @@ static PcNode *buildPartialCall(PcNode *callee, Token *list, uint32_t holes) {
 }
 
 static bool isKnownCallee(uint32_t symbol) {
-    return findVarIndex(symbol) != not_found || findGv(symbol) != not_found || findParameter(symbol) != not_found;
+    return findVarIndex(symbol) != not_found || findGv(symbol) != not_found ||
+           findParameter(symbol) != not_found;
 }
 
 static PcNode *buildNameCall(Token *name, Token *group) {
     uint32_t symbol = name->symbol, holes = countHoles(group->first, TokenKind::Comma), k;
     if (holes) return buildPartialCall(processTokenAtom(name), group->first, holes);
-    if (!isKnownCallee(symbol)) complain(name->line, "name '%s' undefined", getSymbolName(symbol));
+    if (!isKnownCallee(symbol)) syntaxError(name->line, "name '%s' undefined", getSymbolName(symbol));
     PcNode *callee = processTokenAtom(name);
     if ((k = findVarIndex(symbol)) != not_found) {
         return callThrough(Opr::VarCall0, callee->value, parseArgList(callee, group->first));
     }
-    if ((k = findBf(symbol)) != not_found) return getBFCallNode(k, parseArgList(callee, group->first), name->line);
+    if ((k = findBf(symbol)) != not_found)
+        return getBFCallNode(k, parseArgList(callee, group->first), name->line);
     if ((k = findGv(symbol)) != not_found) {
         return callThrough(Opr::GlobalCall0, static_cast<int32_t>(k), parseArgList(callee, group->first));
     }
@@ -140,9 +142,11 @@ static bool selfCallFits(uint32_t given, uint32_t inputs) {
 }
 
 static PcNode *buildSelfCall(PcNode *self, Token *group) {
-    if (progstkdepth == 0 || ctscope->kind != 'F') complain(self->line, "using keyword 'this' outside function");
+    if (progstkdepth == 0 || ctscope->kind != 'F')
+        syntaxError(self->line, "using keyword 'this' outside function");
     PcNode *args = parseArgList(self, group->first);
-    if (!selfCallFits(args->ncub, ctscope->nin)) complain(self->line, "wrong number of arguments calling 'this'");
+    if (!selfCallFits(args->ncub, ctscope->nin))
+        syntaxError(self->line, "wrong number of arguments calling 'this'");
     return callThrough(Opr::SelfCall0, no_value, args);
 }
 
@@ -161,7 +165,7 @@ PcNode *buildCall(Opr, Token *left, Token *group) {
 PcNode *buildNamedCall(Opr, Token *left, Token *group) {
     bool by_name = isSingleIdentifier(left);
     PcNode *callee = parseTokenList(left);
-    if (!by_name && !isFieldNode(callee)) complain(left->line, "unable to parse '%s{}'", tok2str(left));
+    if (!by_name && !isFieldNode(callee)) syntaxError(left->line, "unable to parse '%s{}'", tok2str(left));
     PcNode *args = parseNpArgs(group->first, group->line);
     return newMemberNode(by_name ? Opr::NamedCall : Opr::MemberCallNp, callee, args);
 }

@@ -5,7 +5,6 @@
 #include "console/command.h"
 #include "console/message.h"
 #include "frontend/builders.h"
-#include "frontend/complaint.h"
 #include "frontend/parser.h"
 #include "frontend/source.h"
 
@@ -17,7 +16,7 @@ static const int prefix_row = 19;
 // At the head of a list a group is an operand, and signs and `#` are prefix operators.
 static Opr operatorAt(const Token *token, const Token *before) {
     Opr op = getTokOpr(token->kind);
-    if (op == Opr::None) complain(token->line, "token '%s' cannot be processed", tok2str(token));
+    if (op == Opr::None) syntaxError(token->line, "token '%s' cannot be processed", tok2str(token));
     if (before) return op;
     if (isGroup(token->kind)) return Opr::Atom;
     if (op == Opr::Sum) return Opr::PrefixPlus;
@@ -34,7 +33,7 @@ static bool goesOn(const Token *token) {
 // A chain behind the group of the cut reads from left to right: the cut moves to its last operator.
 static void moveBehindGroup(Cut &cut) {
     if (!goesOn(cut.at->next)) {
-        complain(cut.at->next->line, "can't split token list4 '%s'", tok2str(cut.at->next));
+        syntaxError(cut.at->next->line, "can't split token list4 '%s'", tok2str(cut.at->next));
     }
     for (Token *before = cut.at, *token = before->next; token; before = token, token = token->next) {
         if (goesOn(token)) cut = {getTokOpr(token->kind), before, token};
@@ -61,9 +60,9 @@ Cut findCut(Token *list) {
 
 // Only operands: there is no place to cut.
 [[noreturn]] static void refuseOperands(const Token *list, const Token *last) {
-    if (isSingle(list)) complain(list->line, "can't split token list1 '%s'", tok2str(list));
+    if (isSingle(list)) syntaxError(list->line, "can't split token list1 '%s'", tok2str(list));
     xMesg("Error %s %u: can't split token list3 '%s'", getCurrentFileName(), last->line, tok2str(last));
-    complain(last->line, "can't split token list3 '%s'", tok2str(last));
+    syntaxError(last->line, "can't split token list3 '%s'", tok2str(last));
 }
 
 void cutAt(Token *list, const Cut &cut, Token *&left, Token *&right) {

@@ -3,9 +3,7 @@
 #include <array>
 #include <cassert>
 
-#include "engine/interrupt.h"
 #include "frontend/builders.h"
-#include "frontend/complaint.h"
 #include "frontend/parser.h"
 #include "frontend/symbols.h"
 #include "operators/dispatch.h"
@@ -44,7 +42,9 @@ static PcNode *joinBinary(Opr op, PcNode *left, Token *right) {
     return newBinaryNode(op, left, parseTokenList(right));
 }
 
-static PcNode *joinProduct(Opr, PcNode *left, Token *right) { return newProductNode(left, parseTokenList(right)); }
+static PcNode *joinProduct(Opr, PcNode *left, Token *right) {
+    return newProductNode(left, parseTokenList(right));
+}
 
 // `S -) x` is `x (- S`, `a <-< b` is `b >-> a`.
 static PcNode *joinMirrored(Opr op, PcNode *left, Token *right) {
@@ -76,7 +76,9 @@ static PcNode *joinPower(Opr op, PcNode *left, Token *right) {
     return node;
 }
 
-static PcNode *joinIndex(Opr, PcNode *left, Token *group) { return makeMatRefNode(left, group, IndexMode::Read); }
+static PcNode *joinIndex(Opr, PcNode *left, Token *group) {
+    return makeMatRefNode(left, group, IndexMode::Read);
+}
 static PcNode *joinListEntry(Opr, PcNode *left, Token *right) { return makeListEntryNode(left, right); }
 static PcNode *joinHashEntry(Opr, PcNode *left, Token *right) { return makeHashEntryNode(left, right); }
 
@@ -161,20 +163,20 @@ static constexpr std::array<Builder, n_node_kinds> builders = fillBuilders();
 
 static PcNode *postfixNode(Opr op, PcNode *left) {
     PostfixFn postfix = builders[index(op)].postfix;
-    if (!postfix) complain(left->line, "'%s' not a postfix unary operator", opr2str(op));
+    if (!postfix) syntaxError(left->line, "'%s' not a postfix unary operator", opr2str(op));
     return postfix(op, left);
 }
 
 PcNode *joinNode(Opr op, PcNode *left, Token *right) {
     if (!right) return postfixNode(op, left);
     JoinFn join = builders[index(op)].join;
-    if (!join) complain(left->line, "'%s' undefined as binary operator", opr2str(op));
+    if (!join) syntaxError(left->line, "'%s' undefined as binary operator", opr2str(op));
     return join(op, left, right);
 }
 
 static PcNode *prefixNode(Opr op, Token *right) {
     PrefixFn prefix = builders[index(op)].prefix;
-    if (!prefix) complain(right->line, "'%s' not a prefix unary operator", opr2str(op));
+    if (!prefix) syntaxError(right->line, "'%s' not a prefix unary operator", opr2str(op));
     return prefix(op, right);
 }
 
@@ -241,7 +243,8 @@ static uint32_t findCommandLine(const Token *list) {
         if (!isCommandWord(token)) return not_found;
     }
     uint32_t symbol = list->symbol;
-    if (findVarIndex(symbol) != not_found || findGv(symbol) != not_found || findParameter(symbol) != not_found) {
+    if (findVarIndex(symbol) != not_found || findGv(symbol) != not_found ||
+        findParameter(symbol) != not_found) {
         return not_found;
     }
     return findSyscmd(getSymbolName(symbol));
@@ -254,7 +257,7 @@ static uint32_t countTokens(const Token *list) {
 }
 
 PcNode *parseTokenList(Token *list) {
-    guardStack();
+    guardParse();
     if (!list) return nullptr;
     if (isSingle(list)) return processTokenAtom(list);
     uint32_t command = findCommandLine(list);

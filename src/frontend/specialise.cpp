@@ -1,11 +1,10 @@
-// What is settled at parse time so that evaluation need not ask: folded constants, handlers for operands known
-// to be real scalars, and the change from reading a place to assigning to it.
+// What is settled at parse time so that evaluation need not ask: folded constants, handlers for operands
+// known to be real scalars, and the change from reading a place to assigning to it.
 #include <cassert>
 
 #include "builtins/bfunc.h"
 #include "engine/handlers.h"
 #include "frontend/builders.h"
-#include "frontend/complaint.h"
 #include "frontend/parser.h"
 #include "frontend/symbols.h"
 #include "operators/dispatch.h"
@@ -34,23 +33,24 @@ bool allNumericConstants(const PcNode *node) {
 }
 
 PcNode *copyIfProtected(PcNode *node) {
-    if (node->kind == Opr::Variable && isprotected(static_cast<uint32_t>(node->value))) setOpr(node, Opr::CopyVar);
+    if (node->kind == Opr::Variable && isprotected(static_cast<uint32_t>(node->value)))
+        setOpr(node, Opr::CopyVar);
     return node;
 }
 
 // ---- Operators on a variable ---------------------------------------------------------------------
 
-// Handlers of an operator on a variable that holds real scalars only: the operand is such a variable too, or a
-// real scalar constant. A step has no operand.
+// Handlers of an operator on a variable that holds real scalars only: the operand is such a variable too, or
+// a real scalar constant. A step has no operand.
 struct VariableFast {
     Opr op;
     ExecFn with_var, with_const, alone;
 };
 static const VariableFast variable_fast[] = {
-    {Opr::AddAsgn, addAsgn_DD, addAsgn_DS, nullptr},   {Opr::SubAsgn, subAsgn_DD, subAsgn_DS, nullptr},
-    {Opr::MulAsgn, mulAsgn_DD, mulAsgn_DS, nullptr},   {Opr::DvdAsgn, dvdAsgn_DD, dvdAsgn_DS, nullptr},
-    {Opr::PreInc, nullptr, nullptr, doVarPreInc_D},    {Opr::PreDec, nullptr, nullptr, doVarPreDec_D},
-    {Opr::PostInc, nullptr, nullptr, doVarPostInc_D},  {Opr::PostDec, nullptr, nullptr, doVarPostDec_D},
+    {Opr::AddAsgn, addAsgn_DD, addAsgn_DS, nullptr},  {Opr::SubAsgn, subAsgn_DD, subAsgn_DS, nullptr},
+    {Opr::MulAsgn, mulAsgn_DD, mulAsgn_DS, nullptr},  {Opr::DvdAsgn, dvdAsgn_DD, dvdAsgn_DS, nullptr},
+    {Opr::PreInc, nullptr, nullptr, doVarPreInc_D},   {Opr::PreDec, nullptr, nullptr, doVarPreDec_D},
+    {Opr::PostInc, nullptr, nullptr, doVarPostInc_D}, {Opr::PostDec, nullptr, nullptr, doVarPostDec_D},
 };
 
 static bool holdsRealScalars(int32_t variable) {
@@ -161,7 +161,8 @@ Opr cmpasgn2opr(Opr op) {
 
 bool lv_has_par(const PcNode *node) {
     for (;; node = node->child(0)) {
-        if (node->kind == Opr::ParFieldAsgn || node->kind == Opr::ParField || node->kind == Opr::Parent) return true;
+        if (node->kind == Opr::ParFieldAsgn || node->kind == Opr::ParField || node->kind == Opr::Parent)
+            return true;
         if (node->isConstant() || node->ncub == 0) return false;
         if (node->kind != Opr::MultiVarAsgn) continue;
         for (uint32_t k = 0; k < node->ncub; k++) {
@@ -199,7 +200,7 @@ static Opr assignmentOf(const PcNode *node) {
         case Opr::HashEntry: return Opr::HashAsgn;
         case Opr::DfltHashEntry: return Opr::DfltHashAsgn;
         case Opr::TargetList: return Opr::MultiVarAsgn;
-        default: complain(node->line, "invalid lvalue16 '%s'", opr2str(node->kind));
+        default: syntaxError(node->line, "invalid lvalue16 '%s'", opr2str(node->kind));
     }
 }
 
