@@ -17,6 +17,7 @@
 #include "frontend/inst.h"
 #include "frontend/symbols.h"
 #include "frontend/token.h"
+#include "objects/object.h"
 #include "values/audit.h"
 #include "values/containers.h"
 #include "values/display.h"
@@ -34,6 +35,7 @@ void initialize() {
     setScreenAttr();  // makes the first line, before the terminal exists
     initScreen();
     initMatLib();
+    initObjects();
     initFuncStack();
     setTopVarList();  // stands before all that interns a name
     setTreeOprnFunc();

@@ -8,8 +8,10 @@
 #include "engine/errors.h"
 #include "engine/frame.h"
 #include "engine/interrupt.h"
+#include "objects/object.h"
 #include "values/containers.h"
 #include "values/convert.h"
+#include "values/payload.h"
 
 namespace vesko {
 
@@ -29,9 +31,7 @@ Matrix *cloneRM_rowreverse(const Matrix *m) {
     return copy;
 }
 
-Matrix *cloneStrMat(const Matrix *m) {
-    return newStrMatCopyN(m->text(), m->length);
-}
+Matrix *cloneStrMat(const Matrix *m) { return newStrMatCopyN(m->text(), m->length); }
 
 // Entries are shared by link: a store below copies what it touches.
 static Matrix *linkEntries(Matrix *copy, const Matrix *list) {
@@ -39,27 +39,14 @@ static Matrix *linkEntries(Matrix *copy, const Matrix *list) {
     return copy;
 }
 
-static uint32_t capacityFor(const Matrix *list) {
-    return list->length ? list->length : 1;
-}
+static uint32_t capacityFor(const Matrix *list) { return list->length ? list->length : 1; }
 
-Matrix *cloneListMat(const Matrix *m) {
-    return linkEntries(newListMat(capacityFor(m)), m);
-}
+Matrix *cloneListMat(const Matrix *m) { return linkEntries(newListMat(capacityFor(m)), m); }
 
-Matrix *cloneVListMat(const Matrix *m) {
-    return linkEntries(newVListMat(capacityFor(m)), m);
-}
-
-static Matrix *newPayloadMat(L2 kind, void *payload) {
-    Matrix *m = newPfMat();
-    m->l2type = kind;
-    m->vdata = payload;
-    return m;
-}
+Matrix *cloneVListMat(const Matrix *m) { return linkEntries(newVListMat(capacityFor(m)), m); }
 
 Matrix *cloneSetMat(const Matrix *m) {
-    return newPayloadMat(L2::FSET, copyHashTable(m->table()));
+    return newPayloadMat(L2::FSET, [m] { return copyHashTable(m->table()); });
 }
 
 static Matrix *cloneInts(const Matrix *m) {
@@ -114,15 +101,17 @@ Matrix *cloneMatrix(Matrix *m) {
         case L2::VL: return cloneVListMat(m);
         case L2::UF: return copyUf(m);
         case L2::BF: return newBfMat(cloneBfunc(m->builtin()));
-        case L2::OBJ: error_not_built(nullptr, "objects");
+        case L2::OBJ: return cloneObject(m);
         case L2::RMDM:
         case L2::CMDM: return cloneMultidim(m);
         case L2::TX: return cloneStrMat(m);
         case L2::FSET: return cloneSetMat(m);
         case L2::AUTOMATON: xAbort("place holder -- you can't see me");
-        case L2::STACK: return newPayloadMat(L2::STACK, copyStack(static_cast<xstack *>(m->vdata)));
-        case L2::QUEUE: return newPayloadMat(L2::QUEUE, copyQue(static_cast<xqueue *>(m->vdata)));
-        case L2::HASH: return newPayloadMat(L2::HASH, copyHashTable(m->table()));
+        case L2::STACK:
+            return newPayloadMat(L2::STACK, [m] { return copyStack(static_cast<xstack *>(m->vdata)); });
+        case L2::QUEUE:
+            return newPayloadMat(L2::QUEUE, [m] { return copyQue(static_cast<xqueue *>(m->vdata)); });
+        case L2::HASH: return newPayloadMat(L2::HASH, [m] { return copyHashTable(m->table()); });
         case L2::GV:
         case L2::ODE: xAbort("error in clonemat");
         default: return m;  // immutable, or a reference to something shared

@@ -14,6 +14,7 @@
 #include "engine/errors.h"
 #include "engine/interrupt.h"
 #include "frontend/symbols.h"
+#include "objects/object.h"
 #include "values/display_format.h"
 #include "values/elements.h"
 
@@ -39,9 +40,7 @@ static void addText(const char *format, Args... args) {
     xPutText(text, std::min<uint32_t>(n, sizeof text - 1));
 }
 
-static void addString(const Matrix *s) {
-    xPutText(s->text(), strnlen(s->text(), s->length));
-}
+static void addString(const Matrix *s) { xPutText(s->text(), strnlen(s->text(), s->length)); }
 
 static void showLine(const char *text) {
     startLine();
@@ -224,6 +223,12 @@ static void dispSet(const Matrix *m) {
 
 // ---- Any value
 
+static void dispClass(const Matrix *m) {
+    startLine();
+    xPutText("class: ", 7);
+    addString(classOf(m)->head->matAt(Xclass::title_entry));
+}
+
 static void showConverted(const Matrix *m) {
     Matrix *dense = convToDb(m);
     dispRM(dense->rdata, dense->nrows, dense->ncols);
@@ -262,7 +267,7 @@ static void showValue(Matrix *m) {
         case L2::PTR: return showLine("pointer");
         case L2::FSET: return dispSet(m);
         case L2::NUL: return m == theEmptyMat() ? showLine("[]") : void();
-        case L2::CLASS: error_not_built(nullptr, "classes");
+        case L2::CLASS: return dispClass(m);
         case L2::AUTOMATON: return showLine("automaton");
         case L2::COND: return showLine("conditional class");
         case L2::VARADDR: return showLine("variable reference");

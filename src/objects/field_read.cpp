@@ -1,0 +1,178 @@
+// Reading of fields: x.f, parent.f and x::C.f.
+#include "builtins/bfunc.h"
+#include "engine/calls.h"
+#include "engine/errors.h"
+#include "engine/frame.h"
+#include "engine/handlers.h"
+#include "engine/pins.h"
+#include "frontend/symbols.h"
+#include "objects/object.h"
+
+namespace vesko {
+
+namespace {
+
+// What is read of a field that is a function: the value of an auto field is what its function computes.
+enum class Wanted { Value, Function };
+
+// ---- Where a field is found; null when there is none. The owner of the field is pinned by the caller.
+
+Matrix *runAuto(Matrix *function, Matrix *parent, PcNode *node) {
+    return callMbUfByMat(function->func(), nullptr, parent, node);
+}
+
+Matrix *parameterOf(Matrix *function, uint32_t name, Wanted wanted, PcNode *node) {
+    const Vector *parms = function->func()->parms;
+    for (uint32_t k = 0; parms && k < parms->size; k++) {
+        const auto *parm = parms->at<sfield>(k);
+        if (parm->index != name) continue;
+        const bool computed = parm->flag == static_cast<uint8_t>(Access::Auto) && wanted == Wanted::Value;
+        return computed ? runAuto(parm->value, function, node) : parm->value;
+    }
+    return nullptr;
+}
+
+Matrix *builtinParameterOf(const Bfunc *bf, uint32_t name) {
+    for (uint32_t k = 0; bf->parmNames && k < bf->parmNames->size; k++)
+        if (bf->parmNames->numberAt(k) == name) return bf->parmValues->matAt(k);
+    return nullptr;
+}
+
+// The value of a common or auto field stands in the class, so that all objects share it.
+Matrix *sharedMember(const ClassField *field, Matrix *object, Wanted wanted, PcNode *node) {
+    if (field->attr == Access::Auto && wanted == Wanted::Value) return runAuto(field->value, object, node);
+    return copyUf(field->value);
+}
+
+Matrix *acquired(const Xobject *obj, uint32_t name) {
+    const sfield *field = findAcquiredField(obj, name);
+    return field ? field->value : nullptr;
+}
+
+// An object can answer any name by a member `_field`.
+Matrix *answeredByMember(Matrix *object, uint32_t name, PcNode *node) {
+    Matrix *member = findObjField(objectOf(object), FIELD_INDEX__FIELD);
+    if (!member) return nullptr;
+    Matrix *text = newStrMatCopy(getFieldName(name));
+    Matrix *value = keepResult(callMemberFunc(member, text, object, node));
+    releaseMat(text);
+    return passResult(value);
+}
+
+Matrix *memberOf(Matrix *object, uint32_t name, Wanted wanted, PcNode *node) {
+    if (const xfield *slot = findObjSlot(objectOf(object), name)) {
+        const bool through_parent = node->child(0)->kind == NodeKind::Parent;
+        switch (slot->cv->attr) {
+            case Access::Public:
+            case Access::Readonly: return slot->value;
+            case Access::Common:
+            case Access::Auto:
+                if (through_parent) return slot->value;
+                return sharedMember(slot->cv, object, wanted, node);
+            case Access::Private:
+                if (through_parent) return slot->value;
+                error_field_access(node, getFieldName(name));
+        }
+    }
+    if (Matrix *value = acquired(objectOf(object), name)) return value;
+    return answeredByMember(object, name, node);
+}
+
+// What a function reads of its own parent.
+Matrix *parentMember(Matrix *object, uint32_t name, Wanted wanted, PcNode *node) {
+    const xfield *slot = findObjSlot(objectOf(object), name);
+    if (!slot) return acquired(objectOf(object), name);
+    switch (slot->cv->attr) {
+        case Access::Public: return slot->value;
+        case Access::Common:
+        case Access::Auto: return sharedMember(slot->cv, object, wanted, node);
+        case Access::Readonly:
+        case Access::Private: break;
+    }
+    if (!isMemberOf(slot->cv)) error_dne(node, getFieldName(name));
+    return slot->value->l2type == L2::UF ? copyUf(slot->value) : slot->value;
+}
+
+Matrix *forcedMember(const xfield *slot, Matrix *object, Wanted wanted, PcNode *node) {
+    switch (slot->cv->attr) {
+        case Access::Public:
+        case Access::Readonly: return slot->value;
+        case Access::Common:
+        case Access::Auto: return sharedMember(slot->cv, object, wanted, node);
+        case Access::Private: break;
+    }
+    const bool through_parent = node->child(0)->child(0)->kind == NodeKind::Parent;
+    return through_parent && isMemberOf(slot->cv) ? slot->value : nullptr;
+}
+
+// ---- The three forms
+
+Matrix *fieldOf(Matrix *x, uint32_t name, Wanted wanted, PcNode *node) {
+    switch (x->l2type) {
+        case L2::UF: return parameterOf(x, name, wanted, node);
+        case L2::BF: return builtinParameterOf(x->builtin(), name);
+        case L2::OBJ: return memberOf(x, name, wanted, node);
+        case L2::COND: error_not_built(node, "conditional classes");
+        default: return nullptr;
+    }
+}
+
+// Gives the value on after the last pin, its owner, is taken off.
+Matrix *passFromOwner(Matrix *value) {
+    linkMat(value);
+    releaseMat(unpinMat());
+    return detachMat(value);
+}
+
+[[noreturn]] void errorNoField(uint32_t name, PcNode *node) {
+    if (name < N_AUTO_FIELDS) error_not_built(node, "automatic fields");
+    error_dne(node, getFieldName(name));
+}
+
+Matrix *readField(PcNode *node, Wanted wanted) {
+    const uint32_t name = node->value;
+    Matrix *owner = pinMat(node->eval(0));
+    Matrix *value = fieldOf(owner, name, wanted, node);
+    if (!value) errorNoField(name, node);
+    return passFromOwner(value);
+}
+
+Matrix *readParentField(PcNode *node, Wanted wanted) {
+    const uint32_t name = node->value;
+    Matrix *parent = pinMat(getParent(node));
+    Matrix *value = nullptr;
+    switch (parent->l2type) {
+        case L2::OBJ: value = parentMember(parent, name, wanted, node); break;
+        case L2::UF: value = parameterOf(parent, name, wanted, node); break;
+        case L2::CLASS:
+            if (name == FIELD_INDEX_SUPER) value = classOf(parent)->head->matAt(Xclass::bases_entry);
+            break;
+        default: break;
+    }
+    if (!value) error_dne(node, getFieldName(name));
+    return passFromOwner(value);
+}
+
+Matrix *readForcedField(PcNode *node, Wanted wanted) {
+    const PcNode *forced = node->child(0);
+    Matrix *object = pinMat(forced->eval(0));
+    if (object->l2type != L2::OBJ) error_forcing_no_obj(node, pcnode2str(forced->child(0))->text());
+    Matrix *type = pinMat(forced->eval(1));
+    const xfield *slot = nullptr;
+    if (type->l2type == L2::CLASS) slot = findForcedObjField(objectOf(object), node->value, classOf(type));
+    Matrix *value = slot ? forcedMember(slot, object, wanted, node) : nullptr;
+    if (!value) error_dne(node, getFieldName(node->value));
+    releaseMat(unpinMat());
+    return passFromOwner(value);
+}
+
+}  // namespace
+
+Matrix *getStructField(PcNode *node) { return readField(node, Wanted::Value); }
+Matrix *getStructFieldFunc(PcNode *node) { return readField(node, Wanted::Function); }
+Matrix *getParField(PcNode *node) { return readParentField(node, Wanted::Value); }
+Matrix *getParFieldFunc(PcNode *node) { return readParentField(node, Wanted::Function); }
+Matrix *getForcedField(PcNode *node) { return readForcedField(node, Wanted::Value); }
+Matrix *getForcedFieldFunc(PcNode *node) { return readForcedField(node, Wanted::Function); }
+
+}  // namespace vesko

@@ -1,0 +1,127 @@
+// Object records: making, copying, freeing, and look-up of fields.
+#include "objects/object.h"
+
+#include "engine/frame.h"
+#include "frontend/symbols.h"
+#include "values/memory.h"
+#include "values/payload.h"
+
+namespace vesko {
+
+// ---- The class of plain structures: no fields, never freed
+
+static Vector nothing;
+static Xclass struct_class = {&nothing, &nothing, &nothing, not_found};
+static constinit Matrix struct_class_value = [] {
+    Matrix m = {};
+    m.l1type = L1::PF;
+    m.l2type = L2::CLASS;
+    m.status = status_singleton;
+    m.ncols = 1;
+    m.vdata = &struct_class;
+    return m;
+}();
+Matrix *const Class_ST = &struct_class_value;
+
+// ---- Making and freeing
+
+static Matrix *newObjectMat(Matrix *classmat, uint32_t n_fields, uint32_t n_acquired) {
+    return newPayloadMat(L2::OBJ, [=] {
+        auto *obj = newBlock<Xobject>();
+        *obj = {newVector(n_fields), classmat, newVector(n_acquired)};
+        if (classmat != Class_ST) linkMat(classmat);
+        return obj;
+    });
+}
+
+Matrix *newClassLessObject(uint32_t n) { return newObjectMat(Class_ST, 0, n); }
+
+static xfield *newXfield(ClassField *cv, Matrix *value) {
+    auto *slot = newBlock<xfield>();
+    *slot = {cv, value, nullptr};
+    linkMat(value);
+    return slot;
+}
+
+static void freeXfieldChain(void *first) {
+    for (auto *slot = static_cast<xfield *>(first); slot;) {
+        xfield *next = slot->next;
+        ucReleaseMat(slot->value);
+        recycleBlock(slot);
+        slot = next;
+    }
+}
+
+static xfield *copyXfieldChain(const xfield *first) {
+    xfield *copy = newXfield(first->cv, first->value);
+    for (xfield *tail = copy; first->next; first = first->next, tail = tail->next)
+        tail->next = newXfield(first->next->cv, first->next->value);
+    return copy;
+}
+
+Matrix *cloneObject(const Matrix *m) {
+    const Xobject *obj = objectOf(m);
+    Matrix *clone = newObjectMat(obj->classmat, obj->xfields->size, obj->vlfields->size);
+    Xobject *copy = objectOf(clone);
+    holdInterrupt();
+    for (uint32_t k = 0; k < obj->xfields->size; k++)
+        addElement(copy->xfields, copyXfieldChain(obj->xfields->at<xfield>(k)));
+    for (uint32_t k = 0; k < obj->vlfields->size; k++) {
+        const auto *field = obj->vlfields->at<sfield>(k);
+        addStructField(copy->vlfields, field->index, field->value, field->domain);
+    }
+    freeInterrupt();
+    return clone;
+}
+
+static void freeObject(Matrix *m) {
+    Xobject *obj = objectOf(m);
+    if (obj->classmat != Class_ST) ucReleaseMat(obj->classmat);
+    freeVector(obj->vlfields, freeSfield);
+    freeVector(obj->xfields, freeXfieldChain);
+    recycleBlock(obj);
+}
+
+void initObjects() { setPayloadFree(L2::OBJ, freeObject); }
+
+// ---- Look-up
+
+uint32_t findClassFieldIndex(uint32_t name, const Xclass *type) {
+    return name < type->index->size ? type->index->numberAt(name) : not_found;
+}
+
+xfield *findObjSlot(const Xobject *obj, uint32_t name) {
+    const uint32_t k = findClassFieldIndex(name, obj->type());
+    return k == not_found ? nullptr : obj->xfields->at<xfield>(k);
+}
+
+Matrix *findObjField(const Xobject *obj, uint32_t name) {
+    const xfield *slot = findObjSlot(obj, name);
+    return slot ? slot->value : nullptr;
+}
+
+xfield *findForcedObjField(const Xobject *obj, uint32_t name, const Xclass *type) {
+    xfield *slot = findObjSlot(obj, name);
+    while (slot && slot->cv->owner != type) slot = slot->next;
+    return slot;
+}
+
+sfield *findAcquiredField(const Xobject *obj, uint32_t name) {
+    for (uint32_t k = 0; k < obj->vlfields->size; k++) {
+        auto *field = obj->vlfields->at<sfield>(k);
+        if (field->index == name) return field;
+    }
+    return nullptr;
+}
+
+Matrix *findObjAcquiredField(const Matrix *object, uint32_t name) {
+    const sfield *field = findAcquiredField(objectOf(object), name);
+    return field ? field->value : theDneMat();
+}
+
+bool isMemberOf(const ClassField *field) {
+    const FuncRec *running = getTopFuncRec();
+    return running && running->is_member && running->owner == field->owner;
+}
+
+}  // namespace vesko

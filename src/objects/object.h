@@ -1,0 +1,90 @@
+// Objects: the records of classes and objects, look-up of fields, and stores into them.
+//
+// An object has a slot for each field of its class, and acquired fields of its own. A plain structure is an
+// object of the class without fields: all that it holds is acquired.
+#pragma once
+
+#include <cstdint>
+
+#include "engine/node.h"
+#include "values/containers.h"
+#include "values/matrix.h"
+
+namespace vesko {
+
+struct Xclass;
+
+// Attribute of a member, and of a parameter of a function.
+enum class Access : uint8_t { Public, Readonly, Common, Auto, Private };
+
+// A field as its class defines it. `next` is the definition of the same name in the next nearer base.
+struct ClassField {
+    uint32_t name;  // field index
+    Access attr;
+    Matrix *domain;  // linked
+    Matrix *value;   // linked: the default, or the function of a common or auto field
+    Xclass *owner;   // the class that defined it
+    ClassField *next;
+};
+
+struct Xclass {
+    Vector *head;       // Matrices: constructor, bases, title; of a conditional class its own row
+    Vector *fields;     // ClassField: head of the chain of each name
+    Vector *index;      // position in `fields` by field index, or not_found
+    uint32_t validate;  // position of the field "validate", or not_found
+
+    static constexpr uint32_t constructor_entry = 0, bases_entry = 1, title_entry = 2;
+};
+
+// The slot of one definition; the chain mirrors that of the class.
+struct xfield {
+    ClassField *cv;
+    Matrix *value;  // linked
+    xfield *next;
+};
+
+struct Xobject {
+    Vector *xfields;   // xfield: parallel to the fields of the class
+    Matrix *classmat;  // linked, but for Class_ST
+    Vector *vlfields;  // sfield: acquired fields
+
+    Xclass *type() const { return static_cast<Xclass *>(classmat->vdata); }
+};
+inline Xobject *objectOf(const Matrix *m) { return static_cast<Xobject *>(m->vdata); }
+inline Xclass *classOf(const Matrix *m) { return static_cast<Xclass *>(m->vdata); }
+
+extern Matrix *const Class_ST;  // the class of a plain structure
+
+void initObjects();  // at start: tells the pools how objects are freed
+
+// ---- Making. Both return a value, temporary.
+Matrix *newClassLessObject(uint32_t n);  // room for n acquired fields
+Matrix *cloneObject(const Matrix *m);    // the values of the fields stay shared
+
+// ---- Look-up; null when there is none.
+uint32_t findClassFieldIndex(uint32_t name, const Xclass *type);  // position, or not_found
+xfield *findObjSlot(const Xobject *obj, uint32_t name);           // of the nearest definition
+Matrix *findObjField(const Xobject *obj, uint32_t name);          // its value
+xfield *findForcedObjField(const Xobject *obj, uint32_t name, const Xclass *type);
+sfield *findAcquiredField(const Xobject *obj, uint32_t name);
+Matrix *findObjAcquiredField(const Matrix *object, uint32_t name);  // the value, or theDneMat
+bool isMemberOf(const ClassField *field);  // the running function is a member of the field's class
+
+// ---- Reading, besides the handlers: an auto or common function itself, not what it computes.
+Matrix *getStructFieldFunc(PcNode *node);
+Matrix *getForcedFieldFunc(PcNode *node);
+Matrix *getParFieldFunc(PcNode *node);
+
+// ---- Stores. The object must have no other holder. The forms with validation take a store back, silently,
+// that the class's `validate` refuses.
+void resetObjField(Xobject *obj, uint32_t name, Matrix *value, PcNode *node);
+void resetParField(Xobject *obj, uint32_t name, Matrix *value, PcNode *node);
+void resetObjFieldWithValidation(Matrix *object, uint32_t name, Matrix *value, PcNode *node);
+void resetParFieldWithValidation(Matrix *object, uint32_t name, Matrix *value, PcNode *node);
+enum class ForcedStore { NoEntry = 101, Refused = 102, Done = 115 };
+ForcedStore resetForcedObjField(Xobject *obj, uint32_t name, const Xclass *type, Matrix *value, PcNode *node);
+// A new acquired field, confined to a domain that the value is known to be in.
+void initObjVLField(Xobject *obj, uint32_t name, Matrix *value, Matrix *domain, PcNode *node);
+bool validate_class_member(Matrix *object, PcNode *node);  // true for a class without `validate`
+
+}  // namespace vesko
