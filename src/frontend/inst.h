@@ -66,6 +66,7 @@ InstNode *newInstNode(InstId id, Token *token, uint32_t ncub);
 void setInstID(InstNode *inst, InstId id);
 void setInstCub(InstNode *inst, uint32_t k, InstNode *child);
 void addInstCub(InstNode *inst, InstNode *child);
+uint32_t instLine(const InstNode *inst);  // of its first token; 0 for instructions without source
 void recycleInstLib();
 
 InstNode *getInstNode();            // the next instruction
