@@ -44,6 +44,8 @@ Matrix *matRef2(Matrix *m, Matrix *rows, Matrix *cols, PcNode *node);
 
 // ---- Functions as operands: f[values...]. `values` is a list.
 Matrix *spawnFunction(Matrix *f, Matrix *values, PcNode *node);
+// The indices of a node whose operand m is a function or an object; other kinds have no such index.
+Matrix *answerIndices(Matrix *m, PcNode *node);
 // An object answers by its member _sqbracket or _sqbracket2.
 Matrix *objectRef(Matrix *object, Matrix *values, PcNode *node);
 

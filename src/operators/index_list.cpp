@@ -1,0 +1,116 @@
+// Entries of lists and hash tables, and the limits that `$` stands for inside an index.
+#include "engine/errors.h"
+#include "engine/handlers.h"
+#include "engine/pins.h"
+#include "operators/index.h"
+#include "operators/index_walk.h"
+#include "values/containers.h"
+
+namespace vesko {
+
+namespace {
+
+// Releases an operand that the result may be a part of.
+Matrix *partOf(Matrix *owner, Matrix *result) {
+    keepResult(result);
+    releaseMat(owner);
+    return passResult(result);
+}
+
+Matrix *takeEntries(const Matrix *list, const Matrix *index) {
+    const IndexRun run = indexRun(index);
+    if (run.length == 0) return theEmptyMat();
+    Matrix *result = list->l2type == L2::LS ? newListMat(run.length) : newVListMat(run.length + 1);
+    run.visit([&](auto i) {
+        for (uint32_t k = 0; k < run.length; k++) addListEntry(result, list->entries()[i(k)]);
+    });
+    return result;
+}
+
+Matrix *entryAt(Matrix *list, PcNode *index_node) {
+    uint32_t max;
+    Matrix *index = chkEvalIndxMat(index_node, list->length, max);
+    Matrix *result = index->length == 1 ? list->entries()[max - 1] : takeEntries(list, index);
+    releaseMat(index);
+    return result;
+}
+
+// A value that is no list counts as a list of itself.
+Matrix *onlyEntry(Matrix *m, PcNode *index_node) {
+    uint32_t max;
+    releaseMat(chkEvalIndxMat(index_node, 1, max));
+    return m;
+}
+
+}  // namespace
+
+Matrix *getListEntry(PcNode *node) {
+    Matrix *m = pinMat(node->eval(0));
+    Matrix *result = isList(m->l2type) ? entryAt(m, node->child(1)) : onlyEntry(m, node->child(1));
+    keepResult(result);
+    releaseMat(unpinMat());
+    return passResult(result);
+}
+
+// ---- Hash tables. An object is read by the name of a field.
+
+Matrix *getHashEntry(PcNode *node) {
+    Matrix *m = pinMat(node->eval(0));
+    Matrix *key = node->eval(1);
+    Matrix *result = nullptr;
+    if (m->l2type == L2::HASH)
+        result = findHashData(m->table(), key);
+    else if (m->l2type == L2::OBJ)
+        error_not_built(node, "objects");
+    else
+        error_undef_opr2(node);
+    keepResult(result);
+    releaseMat(key);
+    releaseMat(unpinMat());
+    return passResult(result);
+}
+
+Matrix *getDfltHashEntry(PcNode *node) {
+    Matrix *m = node->eval(0);
+    if (m->l2type != L2::HASH) error_undef_opr2(node);
+    return partOf(m, getDfltHashVal(m->table()));
+}
+
+// ---- Index limits: the child is the indexed operand.
+
+namespace {
+
+template <class Limit>
+Matrix *limitOf(PcNode *node, Limit limit) {
+    Matrix *m = node->eval(0);
+    Matrix *result = newRealScalarMat(limit(m));
+    releaseMat(m);
+    return result;
+}
+
+uint32_t entryCount(const Matrix *m) {
+    if (isList(m->l2type)) return m->length;
+    if (m->l2type == L2::HASH || m->l2type == L2::FSET) return m->table()->count();
+    return m->l2type == L2::NUL ? 0 : 1;
+}
+
+uint32_t elementCount(const Matrix *m) {
+    const bool container = m->l2type == L2::HASH || m->l2type == L2::FSET;
+    return container ? entryCount(m) : m->length;
+}
+
+}  // namespace
+
+Matrix *getMaxMIndex(PcNode *node) { return limitOf(node, elementCount); }
+Matrix *getMaxLIndex(PcNode *node) { return limitOf(node, entryCount); }
+Matrix *getMaxMIndexRow(PcNode *node) {
+    return limitOf(node, [](const Matrix *m) { return m->nrows; });
+}
+Matrix *getMaxMIndexCol(PcNode *node) {
+    return limitOf(node, [](const Matrix *m) { return m->l2type == L2::NUL ? 0 : m->ncols; });
+}
+Matrix *getMaxMIndexDiag(PcNode *node) {
+    return limitOf(node, [](const Matrix *m) { return m->nrows < m->ncols ? m->nrows : m->ncols; });
+}
+
+}  // namespace vesko

@@ -1,0 +1,48 @@
+// The elements of a multidimensional matrix that three or more indices touch.
+#pragma once
+
+#include "operators/index_walk.h"
+
+namespace vesko {
+
+struct Vector;
+struct PcNode;
+
+// The runs and the values that they read are temporaries of the pool: open the places, walk, close.
+struct MultidimPlaces {
+    uint32_t levels;
+    uint32_t count;     // product of the lengths
+    uint32_t nmany;     // indices that are not single
+    IndexRun *runs;     // one a dimension
+    uint32_t *strides;  // elements from one index to the next, one a dimension
+    Matrix *indices;    // list of the checked index values
+    Matrix *scratch;    // holds runs and strides
+
+    // f(k, place) in row-major order of the indices.
+    template <class F>
+    void walk(F &&f) const {
+        uint32_t k = 0;
+        walkLevel(0, 0, k, f);
+    }
+
+private:
+    template <class F>
+    void walkLevel(uint32_t level, uint32_t base, uint32_t &k, F &f) const {
+        const uint32_t n = runs[level].length, stride = strides[level];
+        const bool last = level + 1 == levels;
+        runs[level].visit([&](auto i) {
+            for (uint32_t e = 0; e < n; e++) {
+                const uint32_t place = base + i(e) * stride;
+                if (last)
+                    f(k++, place);
+                else
+                    walkLevel(level + 1, place, k, f);
+            }
+        });
+    }
+};
+
+MultidimPlaces openPlaces(const Vector *extents, PcNode *indices);
+void closePlaces(const MultidimPlaces &places);
+
+}  // namespace vesko
