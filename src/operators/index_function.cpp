@@ -8,7 +8,6 @@
 #include "operators/dispatch.h"
 #include "operators/index.h"
 #include "values/convert.h"
-#include "values/memory.h"
 
 namespace vesko {
 
@@ -39,24 +38,10 @@ Vector *linkedVector(const Matrix *list) {
     return v;
 }
 
-Matrix *spawnBuiltin(Matrix *f, const Matrix *values, PcNode *node) {
-    Bfunc *bf = f->builtin();
-    if (!bf->parmNames && values->length == 1) error_undef_opr(node, f, NodeKind::Ref);
-    const char *name = getSymbolName(bf->name);
-    if (values->length != bf->nparms || !bf->maintainer) error_bf_spawn(node, name);
-    Vector *parms = linkedVector(values);
-    Bfunc *spawned = bf->maintainer(BfOperation::Spawn, bf, parms, nullptr, 0);
-    if (!spawned) {
-        freeVector(parms, releaseEntry);
-        error_bf_spawn(node, name);
-    }
-    return newBfMat(spawned);
-}
-
 }  // namespace
 
 Matrix *spawnFunction(Matrix *f, Matrix *values, PcNode *node) {
-    return f->l2type == L2::UF ? doUfRemake(f, values, node) : spawnBuiltin(f, values, node);
+    return f->l2type == L2::UF ? doUfRemake(f, values, node) : spawnBf(f, linkedVector(values), node);
 }
 
 Matrix *objectRef(Matrix *, Matrix *, PcNode *node) { error_not_built(node, "objects"); }
@@ -90,41 +75,35 @@ Matrix *entryFunctionCols(Matrix *x, Matrix **parms, PcNode *node) {
     return matRef2(parms[0], parms[1], x, node);
 }
 
-BfInput *newInput(const char *name, BfInput *next) {
-    auto *input = newBlock<BfInput>();
-    *input = {findSymbolIndex(name), theEmptyMat(), next};
-    return input;
-}
+// The record that all functions of one making are copies of: they share its names.
+struct EntryFunction {
+    const char *name;
+    const char *inputs;
+    BfWorker worker;
+    uint32_t nparms;  // the matrix, and the given index if there is one
+    Bfunc *bf;
 
-// Inputs and names are shared by all functions of this making, and live as long as the process.
-struct EntryFunctionNames {
-    BfInput *inputs[2];  // of functions of one and of two indices
-    Vector *parms[2];    // without and with a given index
+    const Bfunc *prototype() {
+        if (bf) return bf;
+        Bfunc *made = make_Ni0p_bf(name, inputs, worker, nullptr);
+        made->parmNames = newVector(nparms);
+        addElement(made->parmNames, asEntry(findFieldIndexByStr("op1")));
+        if (nparms > 1) addElement(made->parmNames, asEntry(findFieldIndexByStr("op2")));
+        return bf = made;
+    }
 };
 
-const EntryFunctionNames &entryFunctionNames() {
-    static EntryFunctionNames names;
-    if (names.parms[1]) return names;
-    names.inputs[0] = newInput("i", nullptr);
-    names.inputs[1] = newInput("i", newInput("j", nullptr));
-    const uintptr_t op1 = findFieldIndexByStr("op1"), op2 = findFieldIndexByStr("op2");
-    Vector *both = newVector(2);
-    names.parms[0] = newVector(1);
-    addElement(names.parms[0], asEntry(op1));
-    addElement(both, asEntry(op1));
-    addElement(both, asEntry(op2));
-    names.parms[1] = both;
-    return names;
-}
+EntryFunction entry_1 = {"matentry", "i", entryFunction1, 1, nullptr};
+EntryFunction entry_2 = {entry_function_2, "i j", entryFunction2, 1, nullptr};
+EntryFunction entry_rows = {"matentryrows", "i", entryFunctionRows, 2, nullptr};
+EntryFunction entry_columns = {"matentrycolumns", "j", entryFunctionCols, 2, nullptr};
 
-Matrix *newEntryFunction(const char *name, BfWorker worker, uint32_t nargs, Matrix *m, Matrix *index) {
-    const EntryFunctionNames &names = entryFunctionNames();
-    auto *bf = newBlock<Bfunc>();
-    *bf = {findSymbolIndex(name),      false,       worker, nargs, names.inputs[nargs - 1], nullptr, 0,
-           names.parms[index ? 1 : 0], newVector(2)};
-    appendMatVecEntry(bf->parmValues, m);
-    if (index) appendMatVecEntry(bf->parmValues, index);
-    return newBfMat(bf);
+Matrix *newEntryFunction(EntryFunction &making, Matrix *m, Matrix *index) {
+    const Bfunc *prototype = making.prototype();
+    Vector *values = newVector(making.nparms);
+    appendMatVecEntry(values, m);
+    if (index) appendMatVecEntry(values, index);
+    return newBfMat(copy_bf(prototype, values));
 }
 
 bool isIndexable(const Matrix *m, NodeKind kind) {
@@ -139,30 +118,19 @@ Matrix *indexableOperand(PcNode *node) {
     return m;
 }
 
-Matrix *makeEntryFunction(PcNode *node, const char *name, BfWorker worker, uint32_t nargs) {
-    return newEntryFunction(name, worker, nargs, indexableOperand(node), nullptr);
-}
-
 // `given` is the place of the index that the source has.
-Matrix *makeHalfIndexed(PcNode *node, const char *name, BfWorker worker, uint32_t given) {
+Matrix *makeHalfIndexed(PcNode *node, EntryFunction &making, uint32_t given) {
     Matrix *m = pinMat(indexableOperand(node));
-    Matrix *index = node->child(1)->eval(given);
-    Matrix *f = newEntryFunction(name, worker, 1, m, index);
+    Matrix *f = newEntryFunction(making, m, node->child(1)->eval(given));
     unpinMat();
     return f;
 }
 
 }  // namespace
 
-Matrix *makeMatEntryFun1(PcNode *node) { return makeEntryFunction(node, "matentry", entryFunction1, 1); }
-Matrix *makeMatEntryFun2(PcNode *node) {
-    return makeEntryFunction(node, entry_function_2, entryFunction2, 2);
-}
-Matrix *makeMatEntryFunRows(PcNode *node) {
-    return makeHalfIndexed(node, "matentryrows", entryFunctionRows, 1);
-}
-Matrix *makeMatEntryFunCols(PcNode *node) {
-    return makeHalfIndexed(node, "matentrycolumns", entryFunctionCols, 0);
-}
+Matrix *makeMatEntryFun1(PcNode *node) { return newEntryFunction(entry_1, indexableOperand(node), nullptr); }
+Matrix *makeMatEntryFun2(PcNode *node) { return newEntryFunction(entry_2, indexableOperand(node), nullptr); }
+Matrix *makeMatEntryFunRows(PcNode *node) { return makeHalfIndexed(node, entry_rows, 1); }
+Matrix *makeMatEntryFunCols(PcNode *node) { return makeHalfIndexed(node, entry_columns, 0); }
 
 }  // namespace vesko
