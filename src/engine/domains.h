@@ -1,0 +1,14 @@
+// Domains: what values may be declared to lie in. The test itself is memberOfSet of operators/dispatch.h.
+#pragma once
+
+#include "values/matrix.h"
+
+namespace vesko {
+
+// Text of a numbered domain in the messages of built-in functions.
+const char *domain_name_to_str(unsigned number);
+
+// The letter of the kind that a domain built-in names ('Z', 'B', 'M', 'D', 'L', 'S', 'C', 'T'), or '0'.
+char get_mat_val_domain_type(const Bfunc *bf);
+
+}  // namespace vesko
