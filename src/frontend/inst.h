@@ -71,9 +71,9 @@ void recycleInstLib();
 
 InstNode *getInstNode();            // the next instruction
 InstNode *getInstBlock(InstId id);  // head and body of a block whose keyword was read
-InstNode *getClassBlock();
-InstNode *getClubBlock();
-InstNode *getProcBlock(InstId id);
+InstNode *getClassBlock();          // one child: the first item, or null
+InstNode *getClubBlock();           // likewise
+InstNode *getProcBlock(InstId id);  // header (EmptyHeader if there is none) and body
 InstNode *transformInstructList(InstNode *list);
 PcNode *buildPcTree();  // tree of the next instruction
 PcNode *buildFuncCodeTree(InstNode *list);

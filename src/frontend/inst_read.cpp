@@ -44,10 +44,15 @@ static InstNode *readLine(Token *first, bool is_head) {
 static InstNode *readSingleInst(Token *first) { return readLine(first, false); }
 static InstNode *readInstLine(Token *first) { return readLine(first, true); }
 
-static InstNode *getBlockHeadNode() {
-    Token *first = nextToken();
+// A head may not begin with a stop token or a keyword.
+static void checkHead(const Token *first) {
     if (first->isStop() || isWord(first))
         syntaxError(first->line, "unexpected token '%s' reading block header", tok2str(first));
+}
+
+static InstNode *getBlockHeadNode() {
+    Token *first = nextToken();
+    checkHead(first);
     return readInstLine(first);
 }
 
@@ -293,6 +298,29 @@ static InstNode *getSwitchBlock() {
         addInstCub(cases, getElseBlock());
     }
     return newBlock(has_default ? InstId::SwitchDefault : InstId::Switch, head, cases);
+}
+
+// ---- Definitions
+
+static InstNode *readItems(InstId id) {
+    InstNode *end;
+    InstNode *items = readBlockBody(end, true);
+    InstNode *block = newInstNode(checkBlockType(id, end), end->token, 1);
+    setInstCub(block, 0, items);
+    return block;
+}
+
+InstNode *getClassBlock() { return readItems(InstId::Class); }
+InstNode *getClubBlock() { return readItems(InstId::Conditional); }
+
+InstNode *getProcBlock(InstId id) {
+    Token *first = nextToken();
+    bool empty = first->is(TokenKind::Newline);
+    if (!empty) checkHead(first);
+    InstNode *head = empty ? newInstNode(InstId::EmptyHeader, first, 0) : readInstLine(first);
+    InstNode *end;
+    InstNode *body = readBlockBody(end, false);
+    return newBlock(checkBlockType(id, end), head, transformInstructList(body));
 }
 
 // ---- Single words
