@@ -22,9 +22,7 @@ struct StepDown {
     static Matrix *general(Matrix *m, Matrix *one, PcNode *node) { return getMatSub(m, one, node); }
 };
 
-bool isStepKind(const Matrix *m) {
-    return m->l2type <= L2::BI && m->l2type != L2::RNG;
-}
+bool isStepKind(const Matrix *m) { return m->l2type <= L2::BI && m->l2type != L2::RNG; }
 
 // Integers and bytes wrap; a bit flips in either direction.
 template <class Step>
@@ -60,9 +58,7 @@ Matrix *stepped(Matrix *m, Matrix *(*one)(), PcNode *node) {
     return Step::general(m, one(), node);
 }
 
-Matrix *integerOne() {
-    return newIntScalarMat(1);
-}
+Matrix *integerOne() { return newIntScalarMat(1); }
 
 // Whether only variable k, and perhaps its compile-time record, holds the value.
 bool soleHolder(const Matrix *m, uint32_t k) {
@@ -146,30 +142,26 @@ Matrix *postStep_D(PcNode *node) {
 
 }  // namespace
 
-Matrix *doVarPreInc(PcNode *node) {
-    return preStep<StepUp>(node);
+Matrix *doVarPreInc(PcNode *node) { return preStep<StepUp>(node); }
+Matrix *doVarPreDec(PcNode *node) { return preStep<StepDown>(node); }
+Matrix *doVarPostInc(PcNode *node) { return postStep<StepUp>(node); }
+Matrix *doVarPostDec(PcNode *node) { return postStep<StepDown>(node); }
+Matrix *doVarPreInc_D(PcNode *node) { return preStep_D<StepUp>(node); }
+Matrix *doVarPreDec_D(PcNode *node) { return preStep_D<StepDown>(node); }
+Matrix *doVarPostInc_D(PcNode *node) { return postStep_D<StepUp>(node); }
+Matrix *doVarPostDec_D(PcNode *node) { return postStep_D<StepDown>(node); }
+
+// The value of a place that is no plain variable, stepped.
+template <class Step>
+static Matrix *steppedPlace(PcNode *node) {
+    Matrix *old = node->eval(0);
+    Matrix *result = stepped<Step>(old, integerOne, node);
+    releaseMat(old);
+    return result;
 }
-Matrix *doVarPreDec(PcNode *node) {
-    return preStep<StepDown>(node);
-}
-Matrix *doVarPostInc(PcNode *node) {
-    return postStep<StepUp>(node);
-}
-Matrix *doVarPostDec(PcNode *node) {
-    return postStep<StepDown>(node);
-}
-Matrix *doVarPreInc_D(PcNode *node) {
-    return preStep_D<StepUp>(node);
-}
-Matrix *doVarPreDec_D(PcNode *node) {
-    return preStep_D<StepDown>(node);
-}
-Matrix *doVarPostInc_D(PcNode *node) {
-    return postStep_D<StepUp>(node);
-}
-Matrix *doVarPostDec_D(PcNode *node) {
-    return postStep_D<StepDown>(node);
-}
+
+Matrix *getTreeStepUp(PcNode *node) { return steppedPlace<StepUp>(node); }
+Matrix *getTreeStepDown(PcNode *node) { return steppedPlace<StepDown>(node); }
 
 // The child assigns the stepped value; the result is the value before.
 Matrix *doPostIncDec(PcNode *node) {

@@ -38,23 +38,31 @@ bool dependsOnTarget(const Matrix *operand, const Matrix *target) {
     return operand == target || (!operand->isTemp() && target->l2type > L2::CM && target->l2type != L2::TX);
 }
 
+// The new value stands in the variable already; one that its domain refuses gives way to the old.
+void testStored(PcNode *node, Variable *var, Matrix *old) {
+    if (!var->domain || memberOfSet(var->value, var->domain, node)) return;
+    replaceMat(var->value, old);
+    error_asgn_justify(node);
+}
+
 // A variable with a domain keeps its old value aside until the new one has passed the test. Holding the old
 // value shares it, so that the in-place operation works on a clone.
 template <InPlaceTable &table>
-Matrix *compoundAsgn(PcNode *node) {
-    Matrix *operand = node->eval(0);
+Matrix *compoundStore(PcNode *node, Matrix *operand) {
     Variable *var = getVar(node->value);
     Matrix *old = var->value;
     bool held = var->domain || dependsOnTarget(operand, old);
     Matrix *hold = held ? holdMats(old, operand) : operand;
     Matrix *target = unshare(var->value);
     Matrix *result = table[pairIndex(target, operand)](target, operand, var, node);
-    if (var->domain && !memberOfSet(result, var->domain, node)) {
-        replaceMat(var->value, old);
-        error_asgn_justify(node);
-    }
+    testStored(node, var, old);
     releaseMat(hold);
     return result;
+}
+
+template <InPlaceTable &table>
+Matrix *compoundAsgn(PcNode *node) {
+    return compoundStore<table>(node, node->eval(0));
 }
 
 // For variables of the domain Class_D. A declaration that failed at run time leaves its variable without a
@@ -72,15 +80,11 @@ Matrix *scalarAsgn(PcNode *node, ExecFn general, Op op) {
 }  // namespace
 
 #define COMPOUND_ASGN(name, table, op)                                            \
-    Matrix *name(PcNode *node) {                                                  \
-        return compoundAsgn<table>(node);                                         \
-    }                                                                             \
+    Matrix *name(PcNode *node) { return compoundAsgn<table>(node); }              \
     Matrix *name##_DD(PcNode *node) {                                             \
         return scalarAsgn(node, name, [](double x, double y) { return x op y; }); \
     }                                                                             \
-    Matrix *name##_DS(PcNode *node) {                                             \
-        return name##_DD(node);                                                   \
-    }
+    Matrix *name##_DS(PcNode *node) { return name##_DD(node); }
 
 COMPOUND_ASGN(addAsgn, addfun, +)
 COMPOUND_ASGN(subAsgn, dedfun, -)
@@ -88,5 +92,18 @@ COMPOUND_ASGN(mulAsgn, mulfun, *)
 COMPOUND_ASGN(dvdAsgn, divfun, /)
 
 #undef COMPOUND_ASGN
+
+// x = e + x. Numbers commute, so they add in place; the sums of other kinds keep the order of the operands.
+Matrix *addAsgnBefore(PcNode *node) {
+    Matrix *operand = node->eval(0);
+    Variable *var = getVar(node->value);
+    Matrix *old = var->value;
+    if (isNumeric(operand->l2type) && isNumeric(old->l2type)) return compoundStore<addfun>(node, operand);
+    Matrix *hold = holdMats(operand, old);
+    Matrix *result = replaceMat(var->value, getMatSum(operand, old, node));
+    testStored(node, var, old);
+    releaseMat(hold);
+    return result;
+}
 
 }  // namespace vesko

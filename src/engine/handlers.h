@@ -17,6 +17,9 @@ Matrix *initVarDomain_CV(PcNode *node);
 Matrix *initVarDomain_VC(PcNode *node);
 Matrix *initVarDomain_VV(PcNode *node);
 Matrix *doMultiVarAsgn_rhs_list(PcNode *node);
+Matrix *addAsgnBefore(PcNode *node);  // x = e + x
+Matrix *getTreeStepUp(PcNode *node);  // of ++ and -- on a place that is no plain variable
+Matrix *getTreeStepDown(PcNode *node);
 Matrix *addAsgn_DD(PcNode *node);
 Matrix *subAsgn_DD(PcNode *node);
 Matrix *mulAsgn_DD(PcNode *node);

@@ -30,10 +30,13 @@ static Token *openTarget(Token *left) {
 
 // ---- Steps ---------------------------------------------------------------------------------------
 
+// The sum of the place and 1, which keeps the kind of the element.
 static PcNode *newStepNode(PcNode *target, Opr step) {
-    PcNode *sum = newPcNode(step == Opr::PreInc ? Opr::Sum : Opr::Sub, no_value, 2, target->line);
+    bool up = step == Opr::PreInc;
+    PcNode *sum = newPcNode(up ? Opr::Sum : Opr::Sub, no_value, 2, target->line);
     setPcCub(sum, 0, target);
     setPcCub(sum, 1, newNumNode(1.0, target->line));
+    sum->exec = up ? getTreeStepUp : getTreeStepDown;
     return newStoreNode(target, sum);
 }
 
@@ -105,20 +108,31 @@ static PcNode *unwrapped(PcNode *node) {
     return node->kind == Opr::List && node->ncub == 1 ? node->child(0) : node;
 }
 
-// `x = x + e` becomes `x += e`, and so do the other three operators.
+static Opr compoundOf(Opr op) {
+    switch (op) {
+        case Opr::Sum: return Opr::AddAsgn;
+        case Opr::Sub: return Opr::SubAsgn;
+        case Opr::Product: return Opr::MulAsgn;
+        case Opr::Slash: return Opr::DvdAsgn;
+        default: return Opr::None;
+    }
+}
+
+// `x = x + e` becomes `x += e`, and so do the other three operators. `x = e + x` too, with its operands in
+// order.
 static bool foldIntoCompound(PcNode *node) {
     PcNode *value = node->child(0);
-    Opr op;
-    switch (value->kind) {
-        case Opr::Sum: op = Opr::AddAsgn; break;
-        case Opr::Sub: op = Opr::SubAsgn; break;
-        case Opr::Product: op = Opr::MulAsgn; break;
-        case Opr::Slash: op = Opr::DvdAsgn; break;
-        default: return false;
+    Opr op = compoundOf(value->kind);
+    if (op == Opr::None) return false;
+    if (readsVariable(value->child(0), node->value)) {
+        setPcCub(node, 0, unwrapped(value->child(1)));
+        setOpr(node, op);
+        return true;
     }
-    if (!readsVariable(value->child(0), node->value)) return false;
-    setPcCub(node, 0, unwrapped(value->child(1)));
+    if (op != Opr::AddAsgn || !readsVariable(value->child(1), node->value)) return false;
+    setPcCub(node, 0, value->child(0));
     setOpr(node, op);
+    node->exec = addAsgnBefore;
     return true;
 }
 
