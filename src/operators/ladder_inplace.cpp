@@ -3,10 +3,10 @@
 #include <cstring>
 
 #include "engine/frame.h"
+#include "operators/growth.h"
 #include "operators/ladder.h"
 #include "operators/ladders.h"
 #include "values/convert.h"
-#include "values/strings.h"
 
 namespace vesko {
 
@@ -78,7 +78,7 @@ bool stepInPlace(Arith op, Matrix *target, const Matrix *operand) {
 Matrix *appendText(const Matrix *target, const Matrix *operand, Variable *var) {
     const uint32_t length = target->length, more = operand->length;
     const bool itself = target == operand;
-    Matrix *result = txmAddLen(var->value, var->value, uint64_t{length} + more);
+    Matrix *result = txmAddLen(var->value, checkedLength(1, uint64_t{length} + more));
     memcpy(result->text() + length, itself ? result->text() : operand->text(), more);
     return result;
 }

@@ -4,9 +4,15 @@
 #include "engine/errors.h"
 #include "operators/ladder.h"
 #include "values/convert.h"
-#include "values/strings.h"
 
 namespace vesko {
+
+// Characters undefined. A length that does not fit a record ends the command.
+static Matrix *newText(uint64_t length) {
+    Matrix *s = newStrMat(checkedLength(1, length + 1));
+    s->text()[length] = '\0';
+    return s;
+}
 
 // ---- Characters plus or minus numbers, in 8 bits
 
@@ -33,9 +39,8 @@ static Matrix *shifted(const Matrix *text, const Matrix *numbers, bool text_left
         return static_cast<uint8_t>(text_left ? Op::apply(c, n) : Op::apply(n, c));
     };
     refuseZeroCharacter(text->length, character, node);
-    Matrix *result = newStrMat(text->length + 1);
+    Matrix *result = newText(text->length);
     for (uint32_t k = 0; k < text->length; k++) result->bytes()[k] = character(k);
-    result->bytes()[text->length] = 0;
     return result;
 }
 
@@ -52,7 +57,12 @@ Matrix *shiftText(Arith op, Matrix *a, Matrix *b, PcNode *node) {
 
 // ---- Two strings
 
-Matrix *joinTexts(Arith, Matrix *a, Matrix *b, PcNode *) { return textJoin(a, b); }
+Matrix *joinTexts(Arith, Matrix *a, Matrix *b, PcNode *) {
+    Matrix *s = newText(uint64_t{a->length} + b->length);
+    memcpy(s->text(), a->text(), a->length);
+    memcpy(s->text() + a->length, b->text(), b->length);
+    return s;
+}
 
 // The differences of the character codes, a string of one character going with every character of the other.
 Matrix *subtractTexts(Arith, Matrix *a, Matrix *b, PcNode *node) {
@@ -86,11 +96,9 @@ Matrix *repeatText(Arith, Matrix *a, Matrix *b, PcNode *node) {
     const Matrix *text = text_left ? a : b;
     const int32_t n = repetitions(text_left ? b : a);
     if (n < 1) error_undef_opr2(node);
-    const uint32_t length = checkedLength(text->length, static_cast<uint32_t>(n));
-    Matrix *result = newStrMat(checkedLength(1, uint64_t{length} + 1));
-    for (uint32_t at = 0; at < length; at += text->length)
+    Matrix *result = newText(uint64_t{text->length} * static_cast<uint32_t>(n));
+    for (uint32_t at = 0; at < result->length; at += text->length)
         memcpy(result->text() + at, text->text(), text->length);
-    result->text()[length] = '\0';
     return result;
 }
 
