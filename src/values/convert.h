@@ -44,11 +44,9 @@ int32_t truncToInt(double x);
 
 // ---- Whole-matrix arithmetic
 Matrix *negateMat(Matrix *m, PcNode *node);
-Matrix *matpow_d(Matrix *m, int32_t n, PcNode *node);
-Matrix *matpow_i(Matrix *m, int32_t n, PcNode *node);
-Matrix *matpow_b(Matrix *m, int32_t n, PcNode *node);
-Matrix *matpow_n(Matrix *m, int32_t n, PcNode *node);
-Matrix *matpow_c(Matrix *m, int32_t n, PcNode *node);
+// Whole power of a square matrix by repeated products from the left; the names are those of the kinds.
 Matrix *matpow_generic(Matrix *m, int32_t n, PcNode *node);
+constexpr auto matpow_d = matpow_generic, matpow_i = matpow_generic, matpow_b = matpow_generic,
+               matpow_n = matpow_generic, matpow_c = matpow_generic;
 
 }  // namespace vesko

@@ -1,5 +1,6 @@
 // Powers of square matrices by repeated products, and negation of any kind.
 #include "engine/errors.h"
+#include "numerics/dense.h"
 #include "operators/dispatch.h"
 #include "values/convert.h"
 
@@ -16,10 +17,15 @@ static Matrix *productChain(Matrix *m, int64_t n, PcNode *node) {
     return power;
 }
 
-static Matrix *inverseOf(Matrix *, PcNode *node) {
-    error_not_built(node, "the inverse of a matrix");
+static Matrix *inverseOf(const Matrix *m, PcNode *node) {
+    if (!isRealLike(m->l2type)) error_not_built(node, "the inverse of a complex matrix");
+    Matrix *real = convToDb(m);
+    Matrix *inverse = inverseRM(real);
+    releaseMat(real);
+    return inverse;
 }
 
+// A negative power is one of the inverse, which is real also for integers, bytes and bits.
 Matrix *matpow_generic(Matrix *m, int32_t n, PcNode *node) {
     if (!m->isSquare()) error_size_nomatch(node);
     if (n == 0) return theEleMat(m->nrows);
@@ -32,33 +38,6 @@ Matrix *matpow_generic(Matrix *m, int32_t n, PcNode *node) {
     return power;
 }
 
-// A negative power of integers, bytes or bits is that of the real matrix.
-static Matrix *powerOfWhole(Matrix *m, int32_t n, PcNode *node) {
-    if (n >= 0) return matpow_generic(m, n, node);
-    Matrix *real = convToDb(m);
-    Matrix *power = matpow_generic(real, n, node);
-    releaseMat(real);
-    return power;
-}
-
-Matrix *matpow_d(Matrix *m, int32_t n, PcNode *node) {
-    return matpow_generic(m, n, node);
-}
-Matrix *matpow_c(Matrix *m, int32_t n, PcNode *node) {
-    return matpow_generic(m, n, node);
-}
-Matrix *matpow_i(Matrix *m, int32_t n, PcNode *node) {
-    return powerOfWhole(m, n, node);
-}
-Matrix *matpow_b(Matrix *m, int32_t n, PcNode *node) {
-    return powerOfWhole(m, n, node);
-}
-Matrix *matpow_n(Matrix *m, int32_t n, PcNode *node) {
-    return powerOfWhole(m, n, node);
-}
-
-Matrix *negateMat(Matrix *m, PcNode *node) {
-    return getMatNeg(m, node);
-}
+Matrix *negateMat(Matrix *m, PcNode *node) { return getMatNeg(m, node); }
 
 }  // namespace vesko
