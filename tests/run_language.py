@@ -14,7 +14,8 @@ with "%:" steer the run:
 
     %: status N       expected exit status (0 unless given)
     %: startup        the file is the user's start-up file; standard input is empty
-    %: args A B ...   command-line arguments; {dir} is the folder of the test
+    %: args A B ...   command-line arguments, in place of the run-time path of the repository; {dir} is the
+                      folder of the test
     %: no newline     the last line is fed without its line end
 """
 import os
@@ -24,13 +25,14 @@ import sys
 import tempfile
 
 SECONDS = 60
+RUN_TIME_PATH = os.path.join(os.path.dirname(os.path.dirname(os.path.abspath(__file__))), "rt")
 
 
 class Case:
     def __init__(self, path):
         self.path = path
         self.source = open(path, "rb").read()
-        self.status, self.startup, self.args = 0, False, []
+        self.status, self.startup, self.args = 0, False, ["-rtpath", RUN_TIME_PATH]
         self.expected = []
         for line in self.source.decode("utf-8", "surrogateescape").split("\n"):
             text = line.strip()
