@@ -138,18 +138,23 @@ inline void releaseMat(Matrix *m) {
 // reported by xMesg.
 void ucReleaseMat(Matrix *m);
 
-// Gives a link back without a free. The value is known to the sweep again.
-Matrix *detachMat(Matrix *m);
+// The sweep knows every temporary: a value that becomes one is noted, once between two sweeps.
+extern uint32_t sweep_epoch;
+void noteTemporary(Matrix *m);
+
+// Gives a link back without a free. The value is a temporary if nobody else holds it.
+inline Matrix *detachMat(Matrix *m) {
+    m->status -= 2;
+    if (m->status == status_temporary && m->epoch != sweep_epoch) noteTemporary(m);
+    return m;
+}
 
 // Brackets the release of operands that may include the result itself.
 inline Matrix *keepResult(Matrix *m) {
     m->status += 2;
     return m;
 }
-inline Matrix *passResult(Matrix *m) {
-    m->status -= 2;
-    return m;
-}
+inline Matrix *passResult(Matrix *m) { return detachMat(m); }
 
 // Puts `m` in a holder's slot: links it, stores it, drops what the slot held. Returns m.
 inline Matrix *replaceMat(Matrix *&slot, Matrix *m) {

@@ -66,7 +66,6 @@ inline unsigned generalClassOf(size_t n) {
 // in it once an epoch; it has room for every record of the pools.
 extern Matrix **sweep_log;
 extern uint32_t sweep_log_size;
-extern uint32_t sweep_epoch;
 
 inline void noteForSweep(Matrix *m) {
     if (m->epoch == sweep_epoch) return;

@@ -158,11 +158,4 @@ void ucReleaseMat(Matrix *m) {
     if (m->nlinks() == 0) disposeMat(m);
 }
 
-Matrix *detachMat(Matrix *m) {
-    assert(m->nlinks() > 0);
-    m->status -= 2;
-    if (m->isTemp()) noteForSweep(m);
-    return m;
-}
-
 }  // namespace vesko

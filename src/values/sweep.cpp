@@ -26,6 +26,8 @@ void reserveSweepLog(uint32_t n) {
     reserved_records += n;
 }
 
+void noteTemporary(Matrix *m) { noteForSweep(m); }
+
 // Entries may be added while the log is walked.
 template <class F>
 static void releaseLogged(F is_wanted) {

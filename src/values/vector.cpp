@@ -2,8 +2,8 @@
 // to the heap.
 #include <bit>
 #include <cassert>
-#include <initializer_list>
 #include <cstring>
+#include <initializer_list>
 #include <utility>
 
 #include "console/message.h"
