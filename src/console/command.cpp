@@ -28,6 +28,8 @@ namespace vesko {
 // The return point of the top level.
 static sigjmp_buf env;
 
+sigjmp_buf &topLevel() { return env; }
+
 void initialize() {
     growMachineStack();
     initVecLib();

@@ -1,6 +1,7 @@
 // Start-up and the command cycle.
 #pragma once
 
+#include <csetjmp>
 #include <cstdint>
 #include <cstdio>
 
@@ -15,6 +16,7 @@ void processCmd();
 [[noreturn]] void parseError(const char *message);  // message may be null: shown already
 [[noreturn]] void parseRestart();                   // no message, no entry in the history
 [[noreturn]] void returnToTopLevel();               // passes every try
+sigjmp_buf &topLevel();                             // the head of the cycle, for those who run without it
 [[noreturn]] void leaveProgram(int status);         // ends the screen and the process
 
 std::FILE *openXFile(const char *name);  // through libpaths; null if not found
