@@ -18,7 +18,8 @@ constexpr uint64_t max_length = 0x7FFFFFFF;  // what the integers of the languag
 
 uint32_t checkedLength(uint64_t rows, uint64_t cols) {
     uint64_t n;
-    if (__builtin_mul_overflow(rows, cols, &n) || n > max_length) refuseMemory(n * sizeof(double));
+    if (__builtin_mul_overflow(rows, cols, &n)) n = UINT64_MAX / sizeof(double);
+    if (n > max_length) refuseMemory(n * sizeof(double));
     return static_cast<uint32_t>(n);
 }
 

@@ -151,11 +151,15 @@ TEST_F(Pools, SingletonsAreTwoEmptyRecordsAndOutliveReleases) {
     EXPECT_TRUE(ISEMPTY(theEmptyMat()));
     EXPECT_TRUE(ISEMPTY(theNullMat()));
     EXPECT_NE(theEmptyMat(), theNullMat());
+    const uint32_t status = theTrueMat()->status;
+    EXPECT_GE(status, status_singleton);
     releaseMat(theTrueMat());
-    EXPECT_EQ(theTrueMat()->status, status_singleton);
+    EXPECT_EQ(theTrueMat()->status, status);
+    const uint32_t empty_status = theEmptyMat()->status;
     theEmptyMat()->status = status_temporary;
     ucReleaseMat(theEmptyMat());
     EXPECT_EQ(theEmptyMat()->status, status_singleton);
+    theEmptyMat()->status = empty_status;
 }
 
 TEST_F(Pools, ListReleasesItsEntries) {
