@@ -18,8 +18,30 @@ static void rowwise(const A *a, const B *b, C *c, uint32_t m, uint32_t k, uint32
         }
 }
 
+// A column on the right: dot products of several rows run side by side, to hide the latency of the sums.
+static void rowDots(const double *a, const double *b, double *c, uint32_t m, uint32_t k) {
+    constexpr uint32_t together = 8;
+    for (; m >= together; m -= together, a += size_t{k} * together, c += together) {
+        double sum[together] = {};
+        for (uint32_t p = 0; p < k; p++)
+            for (uint32_t i = 0; i < together; i++) sum[i] += a[size_t{i} * k + p] * b[p];
+        std::copy_n(sum, together, c);
+    }
+    for (; m; m--, a += k) *c++ = ddot(k, a, b);
+}
+
+// Below this count of products packing does not pay; nor does it for a few rows, each of which reads b once
+// anyway.
+constexpr uint64_t smallest_packed = 4096;
+constexpr uint32_t fewest_packed_rows = 4;
+
 void matmul(const double *a, const double *b, double *c, uint32_t m, uint32_t k, uint32_t n) {
-    rowwise<double, double, double, double>(a, b, c, m, k, n);
+    if (n == 1)
+        rowDots(a, b, c, m, k);
+    else if (m >= fewest_packed_rows && uint64_t{m} * k * n >= smallest_packed)
+        gemm(a, b, c, m, k, n);
+    else
+        rowwise<double, double, double, double>(a, b, c, m, k, n);
 }
 void matmul(const double *a, const int32_t *b, double *c, uint32_t m, uint32_t k, uint32_t n) {
     rowwise<double, double, int32_t, double>(a, b, c, m, k, n);
