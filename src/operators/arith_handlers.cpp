@@ -1,49 +1,70 @@
 // Node handlers of the arithmetic operators.
 #include "engine/errors.h"
-#include "engine/frame.h"
 #include "engine/handlers.h"
 #include "engine/interrupt.h"
 #include "operators/elementwise.h"
+#include "operators/operands.h"
 #include "operators/plain.h"
 
 namespace vesko {
 
-// Releases the operands, one of which may be the result.
-static Matrix *releaseOperands(Matrix *result, Matrix *a, Matrix *b) {
-    keepResult(result);
-    releaseMat(a);
-    releaseMat(b);
-    return passResult(result);
+// The result of two real scalars goes into a temporary operand if there is one.
+template <class Op>
+static inline Matrix *realScalars(Matrix *a, Matrix *b) {
+    const double x = Op::apply(*a->rdata, *b->rdata);
+    Matrix *r = a->isTemp() ? a : b;
+    if (!r->isTemp()) return newRealScalarMat(x);
+    *r->rdata = x;
+    if (r == a && b != a) releaseMat(b);
+    return r;
 }
 
-// The left division hands its right operand over first.
-enum class Order { Given, Swapped };
-
-template <const BinaryFn *table, Order order = Order::Given>
-static Matrix *evalBinary(PcNode *node) {
+template <const BinaryFn *table, class RealScalarOp = void>
+static inline Matrix *operate(PcNode *node, PcNode *left, PcNode *right) {
     guardStack();
-    Matrix *a = node->eval(0);
-    Matrix *b = node->eval(1);
-    Matrix *left = order == Order::Given ? a : b, *right = order == Order::Given ? b : a;
-    return releaseOperands(table[pairIndex(left, right)](left, right, node), a, b);
+    Matrix *a = evalOperand(left);
+    Matrix *b = evalBeside(a, right);
+    if constexpr (!std::is_void_v<RealScalarOp>)
+        if (a->l1type == L1::RS && b->l1type == L1::RS) return realScalars<RealScalarOp>(a, b);
+    return releaseOperands(table[pairIndex(a, b)](a, b, node), a, b);
 }
 
-Matrix *getTreeSum(PcNode *node) { return evalBinary<sumfun>(node); }
-Matrix *getTreeSub(PcNode *node) { return evalBinary<subfun>(node); }
-Matrix *getTreeProduct(PcNode *node) { return evalBinary<mpyfun>(node); }
-Matrix *getTreeSlash(PcNode *node) { return evalBinary<dvdfun>(node); }
-Matrix *getTreeBsl(PcNode *node) { return evalBinary<bslfun, Order::Swapped>(node); }
+template <const BinaryFn *table, class RealScalarOp = void>
+static Matrix *evalBinary(PcNode *node) {
+    return operate<table, RealScalarOp>(node, node->child(0), node->child(1));
+}
+
+// The right factor stands in a list node, which with one child evaluates to that child.
+template <const BinaryFn *table>
+static Matrix *evalProduct(PcNode *node) {
+    PcNode *right = node->child(1);
+    if (right->kind == NodeKind::List && right->ncub == 1) right = right->child(0);
+    return operate<table, Mpy>(node, node->child(0), right);
+}
+
+Matrix *getTreeSum(PcNode *node) { return evalBinary<sumfun, Sum>(node); }
+Matrix *getTreeSub(PcNode *node) { return evalBinary<subfun, Sub>(node); }
+Matrix *getTreeProduct(PcNode *node) { return evalProduct<mpyfun>(node); }
+Matrix *getTreeSlash(PcNode *node) { return evalBinary<dvdfun, Dvd>(node); }
 Matrix *getTreeDmu(PcNode *node) { return evalBinary<dmufun>(node); }
 Matrix *getTreeDdv(PcNode *node) { return evalBinary<ddvfun>(node); }
 Matrix *getTreeDpw(PcNode *node) { return evalBinary<dpwfun>(node); }
 Matrix *getTreeMod(PcNode *node) { return evalBinary<modfun>(node); }
-Matrix *getTreeQSum(PcNode *node) { return evalBinary<qsumfun>(node); }
-Matrix *getTreeQSub(PcNode *node) { return evalBinary<qsubfun>(node); }
-Matrix *getTreeQProd(PcNode *node) { return evalBinary<qmpyfun>(node); }
+Matrix *getTreeQSum(PcNode *node) { return evalBinary<qsumfun, Sum>(node); }
+Matrix *getTreeQSub(PcNode *node) { return evalBinary<qsubfun, Sub>(node); }
+Matrix *getTreeQProd(PcNode *node) { return evalProduct<qmpyfun>(node); }
+
+// The table takes the right operand first.
+Matrix *getTreeBsl(PcNode *node) {
+    guardStack();
+    Matrix *a = evalOperand(node->child(0));
+    Matrix *b = evalBeside(a, node->child(1));
+    return releaseOperands(getMatBsl(a, b, node), a, b);
+}
 
 Matrix *getTreeNegative(PcNode *node) {
     guardStack();
-    Matrix *m = node->eval(0);
+    Matrix *m = evalOperand(node->child(0));
     Matrix *r = keepResult(getMatNeg(m, node));
     releaseMat(m);
     return passResult(r);
@@ -51,7 +72,7 @@ Matrix *getTreeNegative(PcNode *node) {
 
 Matrix *getTreeTrans(PcNode *node) {
     guardStack();
-    Matrix *m = node->eval(0);
+    Matrix *m = evalOperand(node->child(0));
     Matrix *r = getMatTrs(m, node);
     if (r != m) releaseMat(m);
     return r;
@@ -118,12 +139,13 @@ Matrix *getTreePow(PcNode *node) {
     if (node->value != square && node->value != cube && node->value != square_root)
         return evalBinary<powfun>(node);
     guardStack();
-    Matrix *base = node->eval(0);
-    if (Matrix *r = markedPower(base, node->value)) {
+    Matrix *base = evalOperand(node->child(0));
+    Matrix *power = markedPower(base, node->value);
+    if (power) {
         releaseMat(base);
-        return r;
+        return power;
     }
-    Matrix *exponent = node->eval(1);
+    Matrix *exponent = evalOperand(node->child(1));
     return releaseOperands(getMatPow(base, exponent, node), base, exponent);
 }
 

@@ -5,6 +5,7 @@
 #include "engine/interrupt.h"
 #include "operators/dispatch.h"
 #include "operators/families.h"
+#include "operators/operands.h"
 
 namespace vesko {
 
@@ -36,8 +37,8 @@ bool getMatLogVal(const Matrix *m) {
 template <class Test>
 static inline bool testChildren(PcNode *node, Test test) {
     guardStack();
-    Matrix *a = node->eval(0);
-    Matrix *b = node->eval(1);
+    Matrix *a = evalOperand(node->child(0));
+    Matrix *b = evalBeside(a, node->child(1));
     const bool truth = test(a, b);
     releaseMat(a);
     releaseMat(b);
