@@ -2,8 +2,8 @@
 // the runtime.
 //
 // A call returns the function's value: a temporary, or a value still held elsewhere; the empty value when the
-// function has no outputs. Arguments are borrowed. The parent, which may be null, is the object, class or function
-// that the call is a member of. The node is the one that errors are reported against.
+// function has no outputs. Arguments are borrowed. The parent, which may be null, is the object, class or
+// function that the call is a member of. The node is the one that errors are reported against.
 #pragma once
 
 #include "engine/frame.h"
@@ -13,7 +13,8 @@ namespace vesko {
 
 // One value. The function must have one input.
 Matrix *callUfByMat(FuncRec *f, Matrix *m, PcNode *node);
-// A list: as one value for a function of one input, else spread over the inputs, the others taking their defaults.
+// A list: as one value for a function of one input, else spread over the inputs, the others taking their
+// defaults.
 Matrix *callUfByList(FuncRec *f, Matrix *list, PcNode *node);
 // One value, or none if m is null.
 Matrix *callMbUfByMat(FuncRec *f, Matrix *m, Matrix *parent, PcNode *node);

@@ -139,6 +139,7 @@ inline void leaveFuncRec(FuncRec *f) {
     if (--f->running == 0 && f->dropped) [[unlikely]]
         freeFuncRec(f);
 }
+FuncRec *copyFuncRec(const FuncRec *f);
 Matrix *copyUf(Matrix *f);         // own parameters, shared code
 sfield *getParameter(uint32_t k);  // of the running function or automaton
 Matrix **getParentP();

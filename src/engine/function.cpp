@@ -25,17 +25,18 @@ static Vector *copyParms(const Vector *parms) {
     return copy;
 }
 
-Matrix *copyUf(Matrix *m) {
-    const FuncRec *f = m->func();
+FuncRec *copyFuncRec(const FuncRec *f) {
     Vector *parms = copyParms(f->parms);
-    f->data->nshares++;
     FuncRec *copy = newFuncRec(f->data);
+    f->data->nshares++;
     copy->npublic = f->npublic;
     copy->parms = parms;
     copy->is_member = f->is_member;
     copy->owner = f->owner;
-    return newUfMat(copy);
+    return copy;
 }
+
+Matrix *copyUf(Matrix *m) { return newUfMat(copyFuncRec(m->func())); }
 
 static void freeFuncRecData(FuncRecData *data) {
     ucReleaseMat(data->srcfile);

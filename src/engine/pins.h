@@ -8,7 +8,7 @@
 
 #include <cstdint>
 
-#include "values/matrix.h"
+#include "values/pools.h"
 
 namespace vesko {
 
@@ -29,9 +29,11 @@ inline Matrix *pinMat(Matrix *m) {
 }
 
 // Takes the last pin off: the value is borrowed again, a temporary if nobody else holds it.
-inline Matrix *unpinMat() { return passResult(pinned[--npinned]); }
-
-// Takes the last n pins off and keeps their links: the caller has stored the values.
-inline void handOverPins(uint32_t n) { npinned -= n; }
+inline Matrix *unpinMat() {
+    Matrix *m = pinned[--npinned];
+    m->status -= 2;
+    if (m->isTemp()) noteForSweep(m);
+    return m;
+}
 
 }  // namespace vesko

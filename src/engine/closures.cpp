@@ -1,0 +1,141 @@
+// Function values: making closures, the running function as a value, and the defaults of arguments and
+// outputs.
+#include <initializer_list>
+
+#include "builtins/bfunc.h"
+#include "console/message.h"
+#include "engine/errors.h"
+#include "engine/frame.h"
+#include "engine/handlers.h"
+#include "engine/members.h"
+#include "engine/pins.h"
+#include "frontend/symbols.h"
+#include "operators/dispatch.h"
+
+namespace vesko {
+
+// ---- Closures: children are parameters, outputs, inputs, and the function.
+
+namespace {
+
+enum class ParmAttribute : uint32_t { Public, Readonly, Common, Auto, Private };
+constexpr uint32_t n_attributes = 5;
+
+// A parameter item's value tells the field and the attribute.
+ParmAttribute attributeOf(const PcNode *item) {
+    return static_cast<ParmAttribute>(static_cast<uint32_t>(item->value) % n_attributes);
+}
+
+const char *fieldNameOf(const PcNode *item) {
+    return getFieldName(static_cast<uint32_t>(item->value) / n_attributes);
+}
+
+void requireFunction(const Matrix *m, PcNode *item) {
+    const char *field = fieldNameOf(item);
+    switch (attributeOf(item)) {
+        case ParmAttribute::Common:
+            if (m->l2type != L2::UF) error_common_no_uf(item, field);
+            break;
+        case ParmAttribute::Auto: {
+            if (m->l2type != L2::UF) error_auto_no_uf(item, field);
+            const FuncRecData *data = m->func()->data;
+            if (data->nargs != 0 || data->nret() != 1)
+                error_auto_nargs(item, field, data->nargs, data->nret());
+            break;
+        }
+        default: break;
+    }
+}
+
+// p = v, or p = v in D. A value out of its domain leaves the parameter as it was.
+void setParm(sfield *parm, PcNode *item) {
+    PcNode *source = item->child(0);
+    bool declared = source->kind == NodeKind::In;
+    Matrix *domain = pinMat(declared ? source->eval(1) : theCompleteMat());
+    Matrix *value = declared ? source->eval(0) : source->exec(source);
+    pinMat(value);
+    requireFunction(value, item);
+    if (memberOfSet(value, domain, item)) {
+        replaceMat(parm->domain, domain);
+        replaceMat(parm->value, value);
+    } else {
+        xMesg("probelm in setfuncparms");
+    }
+    releaseMat(unpinMat());
+    releaseMat(unpinMat());
+}
+
+// The function's list has the public ones first.
+void setParms(FuncRec *f, PcNode *items) {
+    uint32_t k = 0;
+    for (bool is_public : {true, false})
+        for (uint32_t i = 0; i < items->ncub; i++)
+            if ((attributeOf(items->child(i)) == ParmAttribute::Public) == is_public)
+                setParm(f->parms->at<sfield>(k++), items->child(i));
+}
+
+}  // namespace
+
+Matrix *setFuncParms(PcNode *node) {
+    Matrix *m = node->child(3)->constant;
+    // Handed out before: another function object of the same code.
+    if (m->nlinks() > 1) m = copyUf(m);
+    pinMat(m);
+    FuncRec *f = m->func();
+    setCtVarVector(f->data->ctvars, node->child(1), node->child(2));
+    setFuncExe(f->data);
+    setParms(f, node->child(0));
+    return unpinMat();
+}
+
+Matrix *copyThisFunc(PcNode *node) {
+    if (!top->func) error_not_built(node, "'this' outside a function");
+    return newUfMat(copyFuncRec(top->func));
+}
+
+// ---- Defaults
+
+namespace {
+
+// The function that a call would call: a field is read without running what it computes.
+Matrix *evalFunctionNode(PcNode *node) {
+    switch (node->kind) {
+        case NodeKind::Field: return getStructFieldFunc(node);
+        case NodeKind::ForcedField: return getForcedFieldFunc(node);
+        case NodeKind::ParField: return getParFieldFunc(node);
+        default: return node->exec(node);
+    }
+}
+
+// The default of argument k, counted from 1; null if the value has none.
+Matrix *findDefault(const Matrix *function, uint32_t k) {
+    if (function->l2type == L2::UF) {
+        const Vector *vars = function->func()->data->ctvars;
+        return k < vars->size ? vars->at<CtVar>(k)->value : nullptr;
+    }
+    if (function->l2type != L2::BF) return nullptr;
+    const BfInput *input = function->builtin()->inputs;
+    for (; input && k > 1; k--) input = input->next;
+    return input ? input->dflt : nullptr;
+}
+
+}  // namespace
+
+Matrix *getDfltArgVal(PcNode *node) {
+    Matrix *function = evalFunctionNode(node->child(0));
+    Matrix *value = findDefault(function, static_cast<uint32_t>(node->value));
+    if (!value) error_undef_opr(node, function, node->kind);
+    keepResult(value);
+    releaseMat(function);
+    return passResult(value);
+}
+
+// The first statement of a function whose outputs have defaults.
+Matrix *setDefaultReturnValue(PcNode *) {
+    const FuncRecData *data = top->func->data;
+    uint32_t first = data->nret() == 1 ? 0 : data->nargs + 1;
+    for (uint32_t k = first; k < first + data->nret(); k++) updVar(k, data->ctvars->at<CtVar>(k)->value);
+    return theEmptyMat();
+}
+
+}  // namespace vesko
