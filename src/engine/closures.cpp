@@ -7,9 +7,9 @@
 #include "engine/errors.h"
 #include "engine/frame.h"
 #include "engine/handlers.h"
-#include "engine/members.h"
 #include "engine/pins.h"
 #include "frontend/symbols.h"
+#include "objects/object.h"
 #include "operators/dispatch.h"
 
 namespace vesko {
@@ -18,12 +18,11 @@ namespace vesko {
 
 namespace {
 
-enum class ParmAttribute : uint32_t { Public, Readonly, Common, Auto, Private };
 constexpr uint32_t n_attributes = 5;
 
 // A parameter item's value tells the field and the attribute.
-ParmAttribute attributeOf(const PcNode *item) {
-    return static_cast<ParmAttribute>(static_cast<uint32_t>(item->value) % n_attributes);
+Access attributeOf(const PcNode *item) {
+    return static_cast<Access>(static_cast<uint32_t>(item->value) % n_attributes);
 }
 
 const char *fieldNameOf(const PcNode *item) {
@@ -33,10 +32,10 @@ const char *fieldNameOf(const PcNode *item) {
 void requireFunction(const Matrix *m, PcNode *item) {
     const char *field = fieldNameOf(item);
     switch (attributeOf(item)) {
-        case ParmAttribute::Common:
+        case Access::Common:
             if (m->l2type != L2::UF) error_common_no_uf(item, field);
             break;
-        case ParmAttribute::Auto: {
+        case Access::Auto: {
             if (m->l2type != L2::UF) error_auto_no_uf(item, field);
             const FuncRecData *data = m->func()->data;
             if (data->nargs != 0 || data->nret() != 1)
@@ -70,7 +69,7 @@ void setParms(FuncRec *f, PcNode *items) {
     uint32_t k = 0;
     for (bool is_public : {true, false})
         for (uint32_t i = 0; i < items->ncub; i++)
-            if ((attributeOf(items->child(i)) == ParmAttribute::Public) == is_public)
+            if ((attributeOf(items->child(i)) == Access::Public) == is_public)
                 setParm(f->parms->at<sfield>(k++), items->child(i));
 }
 

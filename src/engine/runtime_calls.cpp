@@ -156,30 +156,6 @@ Matrix *callUfByNp(FuncRec *f, PcNode *list, Matrix *parent) {
     return runAnyCall(f, frame, parent);
 }
 
-// Inputs that are not named take their defaults. A built-in of one input gets the value, others a list.
-Matrix *callBfbyNp(Matrix *m, PcNode *list) {
-    Bfunc *bf = m->builtin();
-    const char *name = getSymbolName(bf->name);
-    uint32_t ninputs = 0;
-    for (const BfInput *input = bf->inputs; input; input = input->next) ninputs++;
-    if (list->ncub > ninputs)
-        error_bf_nargs(list, name, static_cast<int32_t>(list->ncub), static_cast<int32_t>(ninputs));
-    Matrix *values = evalNpArgVec(list);
-    Matrix *args = newListMat(ninputs);
-    uint32_t matched = 0;
-    for (const BfInput *input = bf->inputs; input; input = input->next) {
-        uint32_t k = findNamed(list, input->symbol);
-        if (k != not_named) matched++;
-        addListEntry(args, k == not_named ? input->dflt : values->entries()[k]);
-    }
-    if (matched < list->ncub)
-        error_bf_nargs(list, name, static_cast<int32_t>(list->ncub), static_cast<int32_t>(matched));
-    Matrix *result = keepResult(callBf(bf, ninputs == 1 ? args->entries()[0] : args, list));
-    releaseMat(values);
-    releaseMat(args);
-    return passResult(result);
-}
-
 Matrix *doNpFCall(PcNode *node) {
     Matrix *m = node->eval(0);
     if (!isFunction(m->l2type)) error_undef_opr(node, m, node->kind);

@@ -1,0 +1,101 @@
+// Member calls, a.f(...): of the parameters of functions and built-ins, and of the fields of objects.
+#include "builtins/bfunc.h"
+#include "engine/calls.h"
+#include "engine/errors.h"
+#include "engine/handlers.h"
+#include "engine/pins.h"
+#include "frontend/symbols.h"
+#include "objects/object.h"
+#include "operators/dispatch.h"
+
+namespace vesko {
+
+namespace {
+
+const char *fieldNameOf(const PcNode *field) { return getFieldName(static_cast<uint32_t>(field->value)); }
+
+// ---- What is called: the value of the field, uncomputed; null if there is none.
+
+Matrix *memberOfFunction(const FuncRec *f, uint32_t name) {
+    for (uint32_t k = 0; f->parms && k < f->parms->size; k++)
+        if (const sfield *parm = f->parms->at<sfield>(k); parm->index == name) return parm->value;
+    return nullptr;
+}
+
+Matrix *memberOfBuiltin(const Bfunc *bf, uint32_t name) {
+    for (uint32_t k = 0; bf->parmNames && k < bf->parmNames->size; k++)
+        if (bf->parmNames->numberAt(k) == name) return bf->parmValues->matAt(k);
+    return nullptr;
+}
+
+Matrix *memberOfObject(const Matrix *object, const PcNode *field) {
+    const uint32_t name = static_cast<uint32_t>(field->value);
+    const xfield *slot = findObjSlot(objectOf(object), name);
+    if (!slot) {
+        const sfield *acquired = findAcquiredField(objectOf(object), name);
+        return acquired ? acquired->value : nullptr;
+    }
+    switch (slot->cv->attr) {
+        case Access::Common:
+        case Access::Auto: return slot->cv->value;
+        case Access::Private:
+            if (field->child(0)->kind != NodeKind::Parent) error_mbuf_misuse(nullptr, fieldNameOf(field));
+            return slot->value;
+        default: return slot->value;
+    }
+}
+
+Matrix *findMember(Matrix *owner, PcNode *field, PcNode *node) {
+    switch (owner->l2type) {
+        case L2::UF: return memberOfFunction(owner->func(), static_cast<uint32_t>(field->value));
+        case L2::BF: return memberOfBuiltin(owner->builtin(), static_cast<uint32_t>(field->value));
+        case L2::OBJ: return memberOfObject(owner, field);
+        default: error_not_built(node, "a member function of this kind of value");
+    }
+}
+
+// ---- How it is called
+
+using MemberCall = Matrix *(*)(Matrix *member, PcNode *args, Matrix *owner);
+
+// What is no function is multiplied with the arguments.
+template <CallFn FuncRecData::*entry>
+Matrix *callMember(Matrix *member, PcNode *args, Matrix *owner) {
+    if (member->l2type == L2::UF) return (member->func()->data->*entry)(member->func(), args, owner);
+    Matrix *values = evalArgList(args);
+    Matrix *result = keepResult(getMatProduct(member, values, args));
+    releaseMat(values);
+    return passResult(result);
+}
+
+Matrix *callMemberNamed(Matrix *member, PcNode *args, Matrix *owner) {
+    if (member->l2type == L2::UF) return callUfByNp(member->func(), args, owner);
+    if (member->l2type == L2::BF) return callBfbyNp(member, args);
+    error_undef_opr(args, member, NodeKind::MemberCallNp);
+}
+
+// Children: the field node, whose child is the owner, and the arguments. The parameters of a function that
+// belongs to no value of its own run with the function as parent.
+Matrix *doMemberCall(PcNode *node, MemberCall call) {
+    PcNode *field = node->child(0);
+    if (field->kind == NodeKind::ForcedField) error_not_built(node, "calling a forced field");
+    Matrix *owner = pinMat(field->eval(0));
+    Matrix *member = findMember(owner, field, node);
+    if (!member) error_dne(node, fieldNameOf(field));
+    pinMat(member);
+    Matrix *result = keepResult(call(member, node->child(1), owner));
+    releaseMat(unpinMat());
+    releaseMat(unpinMat());
+    return passResult(result);
+}
+
+}  // namespace
+
+Matrix *doMBFcall_0(PcNode *node) { return doMemberCall(node, callMember<&FuncRecData::call0>); }
+Matrix *doMBFcall_1(PcNode *node) { return doMemberCall(node, callMember<&FuncRecData::call1>); }
+Matrix *doMBFcall_2(PcNode *node) { return doMemberCall(node, callMember<&FuncRecData::call2>); }
+Matrix *doMBFcall_3(PcNode *node) { return doMemberCall(node, callMember<&FuncRecData::call3>); }
+Matrix *doMBFcall_7(PcNode *node) { return doMemberCall(node, callMember<&FuncRecData::call7>); }
+Matrix *doMBFcall_Np(PcNode *node) { return doMemberCall(node, callMemberNamed); }
+
+}  // namespace vesko
