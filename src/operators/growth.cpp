@@ -193,6 +193,12 @@ Matrix *txmAddLen(Matrix *&slot, uint32_t n) {
     return m;
 }
 
+Matrix *strmat_extend_cap(Matrix *m, size_t size_with_nul) {
+    Matrix *room = roomFor<Text>(m, checkedLength(size_with_nul, 1), m->length + 1);
+    if (room != m) releaseMat(m);
+    return room;
+}
+
 // ---- Lists
 
 // Interrupts wait: the entries move with their links, and must not be counted twice.
