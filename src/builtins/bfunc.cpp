@@ -200,7 +200,7 @@ static uint32_t findNamed(const PcNode *list, uint32_t symbol) {
 }
 
 // The values of all inputs, the written ones or their defaults, in the order of declaration.
-static Matrix *gatherInputs(const Bfunc *bf, PcNode *list, const Matrix *written) {
+static Matrix *gatherInputs(const Bfunc *bf, const PcNode *list, const Matrix *written, PcNode *node) {
     Matrix *inputs = newListMat(bf->nargs);
     uint32_t matched = 0;
     for (const BfInput *input = bf->inputs; input; input = input->next) {
@@ -208,19 +208,19 @@ static Matrix *gatherInputs(const Bfunc *bf, PcNode *list, const Matrix *written
         addListEntry(inputs, k == not_found ? input->dflt : written->entries()[k]);
         matched += k != not_found;
     }
-    if (matched < list->ncub) error_bf_nargs(list, getSymbolName(bf->name), list->ncub, matched);
+    if (matched < list->ncub) error_bf_nargs(node, getSymbolName(bf->name), list->ncub, matched);
     return inputs;
 }
 
 // A built-in of one input gets the value itself.
-Matrix *callBfbyNp(Matrix *f, PcNode *list) {
+Matrix *callBfbyNp(Matrix *f, PcNode *list, PcNode *node) {
     Bfunc *bf = f->builtin();
-    if (list->ncub > bf->nargs) error_bf_nargs(list, getSymbolName(bf->name), list->ncub, bf->nargs);
+    if (list->ncub > bf->nargs) error_bf_nargs(node, getSymbolName(bf->name), list->ncub, bf->nargs);
     Matrix *written = evalNpArgVec(list);
-    Matrix *inputs = gatherInputs(bf, list, written);
+    Matrix *inputs = gatherInputs(bf, list, written, node);
     releaseMat(written);
     Matrix *args = bf->nargs == 1 ? inputs->entries()[0] : inputs;
-    Matrix *result = keepResult(callBf(bf, args, list));
+    Matrix *result = keepResult(callBf(bf, args, node));
     releaseMat(inputs);
     return passResult(result);
 }

@@ -25,8 +25,8 @@ Matrix *callMemberFunc2(Matrix *f, Matrix *a, Matrix *b, Matrix *parent, PcNode 
 Matrix *callMemberFunc3(Matrix *f, Matrix *a, Matrix *b, Matrix *c, Matrix *parent, PcNode *node);
 
 // Named arguments: children of `list` are nodes with the symbol as value and the argument as first child.
-Matrix *callUfByNp(FuncRec *f, PcNode *list, Matrix *parent);
-Matrix *callBfbyNp(Matrix *f, PcNode *list);
+Matrix *callUfByNp(FuncRec *f, PcNode *list, Matrix *parent, PcNode *node);
+Matrix *callBfbyNp(Matrix *f, PcNode *list, PcNode *node);
 
 // Comparators of sorting and searching: negative, 0 or positive.
 int32_t compare_mats_by_uf(FuncRec *f, Matrix *a, Matrix *b, PcNode *node);

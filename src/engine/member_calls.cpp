@@ -28,7 +28,7 @@ Matrix *memberOfBuiltin(const Bfunc *bf, uint32_t name) {
     return nullptr;
 }
 
-Matrix *memberOfObject(const Matrix *object, const PcNode *field) {
+Matrix *memberOfObject(const Matrix *object, const PcNode *field, PcNode *node) {
     const uint32_t name = static_cast<uint32_t>(field->value);
     const xfield *slot = findObjSlot(objectOf(object), name);
     if (!slot) {
@@ -39,7 +39,7 @@ Matrix *memberOfObject(const Matrix *object, const PcNode *field) {
         case Access::Common:
         case Access::Auto: return slot->cv->value;
         case Access::Private:
-            if (field->child(0)->kind != NodeKind::Parent) error_mbuf_misuse(nullptr, fieldNameOf(field));
+            if (field->child(0)->kind != NodeKind::Parent) error_mbuf_misuse(node, fieldNameOf(field));
             return slot->value;
         default: return slot->value;
     }
@@ -49,29 +49,31 @@ Matrix *findMember(Matrix *owner, PcNode *field, PcNode *node) {
     switch (owner->l2type) {
         case L2::UF: return memberOfFunction(owner->func(), static_cast<uint32_t>(field->value));
         case L2::BF: return memberOfBuiltin(owner->builtin(), static_cast<uint32_t>(field->value));
-        case L2::OBJ: return memberOfObject(owner, field);
+        case L2::OBJ: return memberOfObject(owner, field, node);
         default: error_not_built(node, "a member function of this kind of value");
     }
 }
 
 // ---- How it is called
 
-using MemberCall = Matrix *(*)(Matrix *member, PcNode *args, Matrix *owner);
+// The node is that of the member call; its second child has the arguments.
+using MemberCall = Matrix *(*)(Matrix *member, Matrix *owner, PcNode *node);
 
 // What is no function is multiplied with the arguments.
 template <CallFn FuncRecData::*entry>
-Matrix *callMember(Matrix *member, PcNode *args, Matrix *owner) {
+Matrix *callMember(Matrix *member, Matrix *owner, PcNode *node) {
+    PcNode *args = node->child(1);
     if (member->l2type == L2::UF) return (member->func()->data->*entry)(member->func(), args, owner);
     Matrix *values = evalArgList(args);
-    Matrix *result = keepResult(getMatProduct(member, values, args));
+    Matrix *result = keepResult(getMatProduct(member, values, node));
     releaseMat(values);
     return passResult(result);
 }
 
-Matrix *callMemberNamed(Matrix *member, PcNode *args, Matrix *owner) {
-    if (member->l2type == L2::UF) return callUfByNp(member->func(), args, owner);
-    if (member->l2type == L2::BF) return callBfbyNp(member, args);
-    error_undef_opr(args, member, NodeKind::MemberCallNp);
+Matrix *callMemberNamed(Matrix *member, Matrix *owner, PcNode *node) {
+    if (member->l2type == L2::UF) return callUfByNp(member->func(), node->child(1), owner, node);
+    if (member->l2type == L2::BF) return callBfbyNp(member, node->child(1), node);
+    error_undef_opr(node, member, node->kind);
 }
 
 // Children: the field node, whose child is the owner, and the arguments. The parameters of a function that
@@ -83,7 +85,7 @@ Matrix *doMemberCall(PcNode *node, MemberCall call) {
     Matrix *member = findMember(owner, field, node);
     if (!member) error_dne(node, fieldNameOf(field));
     pinMat(member);
-    Matrix *result = keepResult(call(member, node->child(1), owner));
+    Matrix *result = keepResult(call(member, owner, node));
     releaseMat(unpinMat());
     releaseMat(unpinMat());
     return passResult(result);

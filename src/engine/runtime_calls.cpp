@@ -140,14 +140,14 @@ void giveNamedOrDefault(FuncFrame *frame, uint32_t slot, const CtVar *var, const
 
 }  // namespace
 
-Matrix *callUfByNp(FuncRec *f, PcNode *list, Matrix *parent) {
+Matrix *callUfByNp(FuncRec *f, PcNode *list, Matrix *parent, PcNode *node) {
     const FuncRecData *data = f->data;
-    if (list->ncub > data->nargs) refuseCount(list, list->ncub, data->nargs);
+    if (list->ncub > data->nargs) refuseCount(node, list->ncub, data->nargs);
     Matrix *values = evalNpArgVec(list);
     uint32_t matched = 0;
     for (uint32_t k = 1; k <= data->nargs; k++)
         if (findNamed(list, data->ctvars->at<CtVar>(k)->symbol) != not_named) matched++;
-    if (matched != list->ncub) error_np_ufcall_extra_args(list, static_cast<int32_t>(list->ncub - matched));
+    if (matched != list->ncub) error_np_ufcall_extra_args(node, static_cast<int32_t>(list->ncub - matched));
     FuncFrame *frame = openFrame(data);
     giveSlot(frame, 0, data->ctvars->at<CtVar>(0)->value);
     for (uint32_t k = 1; k <= data->nargs; k++)
@@ -161,7 +161,8 @@ Matrix *doNpFCall(PcNode *node) {
     if (!isFunction(m->l2type)) error_undef_opr(node, m, node->kind);
     pinMat(m);
     PcNode *list = node->child(1);
-    Matrix *result = m->l2type == L2::UF ? callUfByNp(m->func(), list, nullptr) : callBfbyNp(m, list);
+    Matrix *result =
+        m->l2type == L2::UF ? callUfByNp(m->func(), list, nullptr, node) : callBfbyNp(m, list, node);
     keepResult(result);
     releaseMat(unpinMat());
     return passResult(result);
