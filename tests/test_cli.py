@@ -146,12 +146,13 @@ class BadInput(unittest.TestCase):
 
     def test_nested_brackets(self):
         for left, right in ((b"(", b")"), (b"[", b"]"), (b"{", b"}")):
-            self.check_goes_on(left * 100000 + b"1" + right * 100000)
+            self.check_goes_on(b"x = " + left * 100000 + b"1" + right * 100000 + b";")
 
 
 class Signals(unittest.TestCase):
     def start(self):
         self.folder = tempfile.TemporaryDirectory()
+        self.addCleanup(self.folder.cleanup)
         return subprocess.Popen([VESKO, "-rtpath", "/a"], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
                                 env=dict(os.environ, HOME=self.folder.name))
 
