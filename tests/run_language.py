@@ -25,6 +25,7 @@ import sys
 import tempfile
 
 SECONDS = 60
+RUNTIME = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "rt")
 RUN_TIME_PATH = os.path.join(os.path.dirname(os.path.dirname(os.path.abspath(__file__))), "rt")
 
 

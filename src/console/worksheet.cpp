@@ -182,10 +182,22 @@ static bool hasUnreadText() {
     return false;
 }
 
+// Line ends of the command that were not read: blank text is left behind, its lines count all the same.
+static uint32_t countUnreadLineEnds() {
+    uint32_t n = 0;
+    if (vscr.ready)
+        for (const Vsline *line = vscr.readline; line && !line->isBlankCommand(); line = line->next) {
+            n++;
+            if (line == vscr.cmdlast) break;
+        }
+    return n;
+}
+
 void setCmdBuffStat() {
     if (!cmdbuffstat) {
         cmdbuffstat = true;
     } else if (!hasUnreadText()) {
+        countConsoleLines(countUnreadLineEnds());
         initVideoBuf();
     }
 }

@@ -136,6 +136,14 @@ void setExtraCh(int c) {
 
 int nextChar() { return filelist->extra[0] ? getExtraCh() : readch(); }
 
+void countConsoleLines(uint32_t n) {
+    if (n == 0) return;
+    VSFileList *console = filelist;
+    while (console->next) console = console->next;
+    console->line += n;
+    console->at_end = true;
+}
+
 bool consoleEnded() { return console_ended && !filelist->next && !filelist->extra[0]; }
 
 }  // namespace vesko

@@ -38,5 +38,6 @@ int getExtraCh();           // takes the character pushed back last
 void setExtraCh(int c);     // at most three wait; a NUL discards them
 int nextChar();             // getExtraCh, or else readch
 bool consoleEnded();        // the console has no more lines
+void countConsoleLines(uint32_t n);  // lines of the console that were left unread
 
 }  // namespace vesko
