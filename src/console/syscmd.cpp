@@ -190,6 +190,8 @@ uint32_t findSyscmd(const char *name) {
     return no_value;
 }
 
+const char *getSyscmdName(uint32_t number) { return syscmdfunc[number].word; }
+
 PcNode *processSyscmd(uint32_t number, uint32_t count, Token *tokens) {
     uint32_t line = tokens ? tokens->line : getCurrLineNum();
     PcNode *node = newPcNode(NodeKind::SysCommand, static_cast<int32_t>(number), count, line);

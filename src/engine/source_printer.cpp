@@ -10,6 +10,7 @@
 #include "engine/frame.h"
 #include "engine/interrupt.h"
 #include "engine/node.h"
+#include "frontend/parser.h"
 #include "frontend/symbols.h"
 #include "values/elements.h"
 
@@ -360,6 +361,14 @@ void printNamedCall(SourceText &out, const PcNode *node) {
     out.add('}');
 }
 
+void printSysCommand(SourceText &out, const PcNode *node) {
+    out.add(getSyscmdName(static_cast<uint32_t>(node->value)));
+    for (uint32_t k = 0; k < node->ncub; k++) {
+        out.add(' ');
+        printChild(out, node, k);
+    }
+}
+
 template <char C>
 void printSign(SourceText &out, const PcNode *) {
     out.add(C);
@@ -442,6 +451,7 @@ constexpr PrinterRow printers[] = {
     {SelfCall0, SelfCall7, printSelfCall},
     {ProcGet, ProcPut, printPortCall},
 
+    {SysCommand, SysCommand, printSysCommand},
     {SetAns, ThrowValue, printOnlyChild},
 };
 

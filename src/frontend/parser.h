@@ -61,6 +61,7 @@ PcNode *readproc(InstNode *inst);
 
 // ---- System commands: `cd "x"`
 uint32_t findSyscmd(const char *name);
+const char *getSyscmdName(uint32_t number);
 PcNode *processSyscmd(uint32_t number, uint32_t count, Token *tokens);
 
 // ---- Memory of the parse: texts live until the next command.
