@@ -11,6 +11,7 @@
 #include "engine/node.h"
 #include "frontend/parser.h"
 #include "frontend/symbols.h"
+#include "values/audit.h"
 #include "values/memory.h"
 
 namespace vesko {
@@ -157,9 +158,25 @@ static void setClasses() {
     for (const Place &p : places) p.value = getBf(findBuiltin(findSymbolIndex(p.name)));
 }
 
+// ---- The audit of links
+
+static void auditBfunc(const Matrix *m) {
+    const Bfunc *bf = m->builtin();
+    const uint32_t n = bf->parmValues ? bf->parmValues->size : 0;
+    for (uint32_t i = 0; i < n; i++) auditLink(bf->parmValues->matAt(i));
+    if (!bf->inputs || !auditFirst(bf->inputs)) return;
+    for (const BfInput *input = bf->inputs; input; input = input->next) auditLink(input->dflt);
+}
+
+static void auditTable() {
+    for (uint32_t k = 0; k < bfvec->size; k++) auditVariable(entry(k));
+}
+
 void setBfunc() {
     constexpr uint32_t room = 512;
     setPayloadFree(L2::BF, [](Matrix *m) { freeBfunc(m->builtin()); });
+    setPayloadWalk(L2::BF, auditBfunc);
+    addHolderWalk("table of built-ins", auditTable);
     bfvec = newVector(room);
     addBuiltins();
     addSettings();

@@ -17,10 +17,12 @@
 #include "frontend/inst.h"
 #include "frontend/symbols.h"
 #include "frontend/token.h"
+#include "numerics/dense.h"
 #include "objects/object.h"
 #include "values/audit.h"
 #include "values/containers.h"
 #include "values/display.h"
+#include "values/fault.h"
 #include "values/memory.h"
 
 namespace vesko {
@@ -38,6 +40,7 @@ void initialize() {
     initScreen();
     initMatLib();
     initObjects();
+    initFactors();
     initFuncStack();
     setTopVarList();  // stands before all that interns a name
     setTreeOprnFunc();
@@ -68,6 +71,7 @@ void processCmd() {
 
 void service() {
     installIntHandler();
+    startFaults();
     if (sigsetjmp(env, 1) != 0) {
         resetInterruptHold();
         resetExceptions();

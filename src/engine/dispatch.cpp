@@ -25,7 +25,10 @@ void setTreeOprnFunc() {
 
 void exec_func() {
     // `top` is read afresh at every turn: a handler may change the frame.
-    while (PcNode *pc = top->pc) pc->exec(pc);
+    while (PcNode *pc = top->pc) {
+        countNode();
+        pc->exec(pc);
+    }
 }
 
 void getTreeVal(PcNode *root) {

@@ -15,6 +15,7 @@
 #include "engine/node.h"
 #include "engine/pins.h"
 #include "frontend/symbols.h"
+#include "values/audit.h"
 #include "values/containers.h"
 #include "values/memory.h"
 
@@ -97,10 +98,17 @@ PcNode *catch_body;
     siglongjmp(innermost->jmp, 1);
 }
 
+void makeXexvec() {
+    xexvec = newVector(8);
+    addHolderWalk("exception", [] {
+        for (uint32_t k = 0; k < xexvec->size; k++) auditLink(xexAt(k)->value);
+    });
+}
+
 }  // namespace
 
 uint32_t findXexId(uint32_t symbol) {
-    if (!xexvec) xexvec = newVector(8);
+    if (!xexvec) makeXexvec();
     for (uint32_t k = 0; k < xexvec->size; k++)
         if (xexAt(k)->name == symbol) return k;
     return addElement(xexvec, newXex(symbol));

@@ -6,6 +6,7 @@
 #include "console/message.h"
 #include "engine/interrupt.h"
 #include "engine/pins.h"
+#include "values/audit.h"
 #include "values/memory.h"
 
 namespace vesko {
@@ -27,9 +28,20 @@ static void resizeFuncVec(int32_t room) {
     freeInterrupt();
 }
 
+static void walkSlots(const FuncFrame *frame) {
+    for (uint32_t k = 0; k < frame->vars->cap; k++) auditVariable(frame->var(k));
+    auditLink(frame->parent);
+}
+
+static void walkFrames() {
+    for (int32_t k = 0; k < fvcap; k++) walkSlots(funcvec[k]);
+}
+
 void initFuncStack() {
     initPins();
     setPayloadFree(L2::UF, [](Matrix *m) { freeFuncRec(m->func()); });
+    setPayloadWalk(L2::UF, [](const Matrix *m) { auditFuncRec(m->func()); });
+    addHolderWalk("frame", walkFrames);
     resizeFuncVec(16);
     while (fvcap < funcvec_room) {
         funcvec[fvcap] = newFunction(0);

@@ -130,11 +130,13 @@ Variable *newVar(uint32_t symbol, Matrix *m);
 Variable *newLocalVar(Matrix *m);
 void freeVar(void *var);
 void disp_top_varvec_info();
+void auditVariable(const Variable *var);  // for the audit of links: value and domain
 
 // ---- Function records.
 void setFuncExe(FuncRecData *data);      // chooses call0 to call7
 FuncRec *newFuncRec(FuncRecData *data);  // takes one share of data over
 void freeFuncRec(FuncRec *f);            // later, if a call of it is running
+void auditFuncRec(const FuncRec *f);     // for the audit of links: parameters and code
 inline void leaveFuncRec(FuncRec *f) {
     if (--f->running == 0 && f->dropped) [[unlikely]]
         freeFuncRec(f);

@@ -2,6 +2,7 @@
 #include "engine/frame.h"
 #include "engine/node.h"
 #include "frontend/symbols.h"
+#include "values/audit.h"
 #include "values/memory.h"
 
 namespace vesko {
@@ -56,6 +57,18 @@ void freeFuncRec(FuncRec *f) {
     freeVector(f->parms, freeSfield);
     recycleBlock(f);
     if (--data->nshares == 0) freeFuncRecData(data);
+}
+
+static void auditCode(const FuncRecData *data) {
+    auditLink(data->srcfile);
+    auditCtVars(data->ctvars);
+    auditNodes(data->pclib);
+    auditNodes(data->smpclib);
+}
+
+void auditFuncRec(const FuncRec *f) {
+    auditFields(f->parms);
+    if (auditFirst(f->data)) auditCode(f->data);
 }
 
 }  // namespace vesko

@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "console/command.h"
+#include "values/audit.h"
 
 namespace vesko {
 
@@ -15,6 +16,7 @@ char *stack_limit = nullptr;
 
 void fireInterrupt() {
     interrupt_pending = 0;
+    tolerateExtraLinks();
     returnToTopLevel();
 }
 

@@ -9,6 +9,7 @@
 #include "engine/interrupt.h"
 #include "frontend/source.h"
 #include "frontend/symbols.h"
+#include "values/audit.h"
 #include "values/matrix.h"
 #include "values/memory.h"
 
@@ -107,6 +108,13 @@ void recyclePcLib(PcNode *chain) {
         ucReleaseMat(node->file);
         node->libnext = freepclibhead;
         freepclibhead = node;
+    }
+}
+
+void auditNodes(const PcNode *chain) {
+    for (const PcNode *node = chain; node; node = node->libnext) {
+        auditLink(node->file);
+        if (node->isConstant()) auditLink(node->constant);
     }
 }
 

@@ -8,6 +8,8 @@
 
 #include <cstdint>
 
+#include "values/fault.h"
+
 namespace vesko {
 
 struct Matrix;
@@ -44,7 +46,10 @@ struct PcNode {
     PcNode *libnext;  // chain of the owner's nodes, or of the free ones
 
     PcNode *child(uint32_t i) const { return cub[i]; }
-    Matrix *eval(uint32_t i) const { return cub[i]->exec(cub[i]); }
+    Matrix *eval(uint32_t i) const {
+        countNode();
+        return cub[i]->exec(cub[i]);
+    }
     bool isConstant() const { return kind == NodeKind::Constant; }
 };
 
@@ -57,6 +62,7 @@ void addPcCub(PcNode *node, PcNode *child);  // grows the children by one
 void recyclePcLib(PcNode *chain);            // gives a whole chain back; file links are dropped
 void recycleSMPcLib(PcNode *chain);          // the same for constant nodes; constants are dropped too
 uint32_t getPcNodesCount();
+void auditNodes(const PcNode *chain);        // for the audit of links: files and constants
 
 // ---- The table.
 extern ExecFn pcOprn[n_node_kinds];

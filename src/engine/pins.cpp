@@ -1,6 +1,7 @@
 // The stack of pins.
 #include "engine/pins.h"
 
+#include "values/audit.h"
 #include "values/memory.h"
 
 namespace vesko {
@@ -11,6 +12,9 @@ uint32_t npinned, pincap;
 void initPins() {
     pincap = 1024;
     pinned = static_cast<Matrix **>(i_malloc(pincap * sizeof(Matrix *)));
+    addHolderWalk("pin", [] {
+        for (uint32_t k = 0; k < npinned; k++) auditLink(pinned[k]);
+    });
 }
 
 void growPins() {

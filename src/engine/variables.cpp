@@ -9,6 +9,7 @@
 #include "engine/frame.h"
 #include "engine/handlers.h"
 #include "frontend/symbols.h"
+#include "values/audit.h"
 #include "values/convert.h"
 #include "values/memory.h"
 
@@ -30,6 +31,11 @@ void freeVar(void *entry) {
     ucReleaseMat(var->value);
     if (var->domain) ucReleaseMat(var->domain);
     recycleBlock(var);
+}
+
+void auditVariable(const Variable *var) {
+    auditLink(var->value);
+    auditLink(var->domain);
 }
 
 // All entries of a var list exist up to its capacity. So the capacity goes up with each new entry: an

@@ -6,6 +6,7 @@
 #include "frontend/symbols.h"
 #include "frontend/token.h"
 #include "operators/dispatch.h"
+#include "values/audit.h"
 #include "values/memory.h"
 
 namespace vesko {
@@ -25,6 +26,15 @@ CtVar *newCtVar(uint32_t symbol, Matrix *value, Matrix *domain) {
 void updateCtVar(CtVar *var, Matrix *value, Matrix *domain) {
     replaceMat(var->value, value);
     replaceMat(var->domain, domain);
+}
+
+void auditCtVars(const Vector *vars) {
+    const uint32_t n = vars ? vars->size : 0;
+    for (uint32_t k = 0; k < n; k++) {
+        const auto *var = vars->at<CtVar>(k);
+        auditLink(var->value);
+        auditLink(var->domain);
+    }
 }
 
 void freeCtVar(void *entry) {

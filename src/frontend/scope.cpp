@@ -11,6 +11,7 @@
 #include "frontend/symbols.h"
 #include "frontend/token_text.h"
 #include "operators/dispatch.h"
+#include "values/audit.h"
 #include "values/memory.h"
 
 namespace vesko {
@@ -111,6 +112,21 @@ void throwVars() {
     resetTokenReadingDepth();
 }
 
+// ---- The audit of links. Scopes kept for reuse hold nothing.
+
+static void auditScopes() {
+    for (const CtScope *scope = ctscope; scope; scope = scope->parent) {
+        auditCtVars(scope->vars);
+        auditFields(scope->parms);
+        auditNodes(scope->pclib);
+        auditNodes(scope->smpclib);
+    }
+}
+
+static void auditGlobals() {
+    for (uint32_t k = 0; k < glbvarvec->size; k++) auditVariable(getGlobalVariable(k));
+}
+
 // ---- Start
 
 void setTopVarList() {
@@ -122,6 +138,8 @@ void setTopVarList() {
     ctscope->vars = newVector(15);
     cFindVarIndex(findSymbolIndex("ans"));
     fillMatchCodes();
+    addHolderWalk("scope", auditScopes);
+    addHolderWalk("global", auditGlobals);
     findXexId(findSymbolIndex("anything"));
 }
 

@@ -8,6 +8,7 @@
 #include "engine/interrupt.h"
 #include "frontend/lexer.h"
 #include "frontend/token.h"
+#include "values/audit.h"
 #include "values/matrix.h"
 #include "values/memory.h"
 
@@ -47,6 +48,9 @@ static void freeVSFileList(VSFileList *entry) {
 void initSourceStack() {
     filelist = newVSFileList(theEmptyMat(), nullptr);
     filelist->next = nullptr;
+    addHolderWalk("source", [] {
+        for (const VSFileList *entry = filelist; entry; entry = entry->next) auditLink(entry->name);
+    });
 }
 
 void updateCurrentFile(Matrix *name, std::FILE *stream) {

@@ -97,6 +97,7 @@ bool isprotected(uint32_t k);
 CtVar *newCtVar(uint32_t symbol, Matrix *value, Matrix *domain);
 void updateCtVar(CtVar *var, Matrix *value, Matrix *domain);
 void freeCtVar(void *var);
+void auditCtVars(const Vector *vars);  // for the audit of links
 void setCtVarVector(Vector *vars, PcNode *outputs, PcNode *inputs);
 bool non_trivial_io_args(PcNode *outputs, PcNode *inputs);
 

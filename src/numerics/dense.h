@@ -39,6 +39,7 @@ struct ProcessedMatrix {
     Matrix *qr, *tau;
     Matrix *u, *s, *v;
 };
+void initFactors();  // at start: tells the pools how they are freed
 ProcessedMatrix *newProcessedMatrix();
 void freeProcessedMatrix(ProcessedMatrix *p);  // with its entries; null-safe
 void reset_pm(Matrix *m);                      // drops the factors, keeps the tags

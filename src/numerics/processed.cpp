@@ -8,6 +8,7 @@
 #include "engine/interrupt.h"
 #include "numerics/dense.h"
 #include "numerics/kernels.h"
+#include "values/audit.h"
 #include "values/convert.h"
 #include "values/matrix.h"
 #include "values/memory.h"
@@ -28,6 +29,18 @@ void freeProcessedMatrix(ProcessedMatrix *p) {
 }
 
 static ProcessedMatrix *factorsOf(const Matrix *m) { return static_cast<ProcessedMatrix *>(m->vdata); }
+
+static void auditFactors(const Matrix *m) {
+    const ProcessedMatrix *p = factorsOf(m);
+    for (const Matrix *held : {p->lu, p->pivots, p->qr, p->tau, p->u, p->s, p->v}) auditLink(held);
+}
+
+void initFactors() {
+    for (L2 kind : {L2::PM, L2::UPPER, L2::LOWER, L2::SYMM}) {
+        setPayloadFree(kind, [](Matrix *m) { freeProcessedMatrix(factorsOf(m)); });
+        setPayloadWalk(kind, auditFactors);
+    }
+}
 
 void reset_pm(Matrix *m) {
     ProcessedMatrix *p = factorsOf(m);

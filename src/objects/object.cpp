@@ -3,6 +3,7 @@
 
 #include "engine/frame.h"
 #include "frontend/symbols.h"
+#include "values/audit.h"
 #include "values/memory.h"
 #include "values/payload.h"
 
@@ -82,7 +83,18 @@ static void freeObject(Matrix *m) {
     recycleBlock(obj);
 }
 
-void initObjects() { setPayloadFree(L2::OBJ, freeObject); }
+static void auditObject(const Matrix *m) {
+    const Xobject *obj = objectOf(m);
+    if (obj->classmat != Class_ST) auditLink(obj->classmat);
+    auditFields(obj->vlfields);
+    for (uint32_t k = 0; k < obj->xfields->size; k++)
+        for (const auto *slot = obj->xfields->at<xfield>(k); slot; slot = slot->next) auditLink(slot->value);
+}
+
+void initObjects() {
+    setPayloadFree(L2::OBJ, freeObject);
+    setPayloadWalk(L2::OBJ, auditObject);
+}
 
 // ---- Look-up
 

@@ -108,6 +108,7 @@ void freeSfield(void *field);
 void addStructField(Vector *fields, uint32_t index, Matrix *value, Matrix *domain);
 void updStructField(Vector *fields, uint32_t index, Matrix *value);
 uint32_t countFields(const Vector *fields);
+void auditFields(const Vector *fields);  // for the audit of links; null-safe
 
 // ---- Stacks and queues.
 struct xlistnode {

@@ -2,6 +2,7 @@
 #include <cassert>
 
 #include "engine/interrupt.h"
+#include "values/audit.h"
 #include "values/containers.h"
 #include "values/matrix.h"
 #include "values/memory.h"
@@ -39,6 +40,13 @@ void updStructField(Vector *fields, uint32_t index, Matrix *value) {
 }
 
 uint32_t countFields(const Vector *fields) { return fields ? fields->size : 0; }
+
+void auditFields(const Vector *fields) {
+    for (uint32_t i = 0; i < countFields(fields); i++) {
+        auditLink(fields->at<sfield>(i)->domain);
+        auditLink(fields->at<sfield>(i)->value);
+    }
+}
 
 // ---- List nodes
 

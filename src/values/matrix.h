@@ -93,6 +93,9 @@ struct Matrix {
     uint32_t nrows, ncols, length;
     uint32_t cap;    // doubles in the real pool, bytes in the general pool
     uint32_t epoch;  // sweep in whose log the record stands
+#ifdef VESKO_CHECK
+    uint32_t audit_links;  // links that the audit has found
+#endif
     double *rdata;
     void *vdata;
 
