@@ -71,7 +71,7 @@ TEST_F(Hashes, StoringAKeyAgainReplacesItsValue) {
     addHashData(t, newStrMatCopy("k"), old);
     addHashData(t, newStrMatCopy("k"), theTrueMat());
     EXPECT_EQ(t->count(), 1u);
-    EXPECT_EQ(old->status, status_free);
+    EXPECT_TRUE(isFree(old));
 }
 
 TEST_F(Hashes, MissYieldsTheDefault) {

@@ -6,7 +6,9 @@
 #include <csetjmp>
 
 #include "console/command.h"
+#include "values/matrix.h"
 #include "values/memory.h"
+#include "values/poison.h"
 
 namespace vesko {
 
@@ -19,6 +21,9 @@ protected:
     }
     void TearDown() override { cleanTempMats(); }
 };
+
+// The checking build poisons what lies free.
+inline bool isFree(const Matrix *m) { return isPoisoned(m) || m->status == status_free; }
 
 // The statement must not return: it leaves for the top level.
 #define EXPECT_ABORT(statement)                          \

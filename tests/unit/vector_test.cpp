@@ -90,7 +90,7 @@ TEST_F(Vectors, EntriesOfValuesHoldLinks) {
     EXPECT_EQ(a->nlinks(), 3u);
     releaseMat(list);
     freeVector(v, releaseEntry);
-    EXPECT_EQ(b->status, status_free);
+    EXPECT_TRUE(isFree(b));
     ucReleaseMat(a);
 }
 
