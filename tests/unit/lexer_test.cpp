@@ -1,42 +1,29 @@
 // The lexer over tricky inputs: kinds, values and texts of tokens, and the character layer below.
 #include "frontend/lexer.h"
 
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <cstdio>
 #include <string>
 #include <vector>
 
-#include "engine/frame.h"
-#include "engine/node.h"
-#include "frontend/parser.h"
 #include "frontend/source.h"
 #include "frontend/symbols.h"
-#include "values/memory.h"
+#include "house.h"
+#include "values/matrix.h"
 
-using namespace vesko;
+namespace vesko {
+
 using K = TokenKind;
 using Kinds = std::vector<K>;
 
 namespace {
 
-void startOnce() {
-    static bool started = false;
-    if (started) return;
-    started = true;
-    growMachineStack();
-    initVecLib();
-    initmbvec();
-    initMatLib();
-    initFuncStack();
-    setTopVarList();
-    setTreeOprnFunc();
-    startLexMachine();
-}
+class Lexer : public House {};
+class Source : public House {};
+class Tables : public House {};
+class Names : public House {};
 
 void pushText(const std::string &text) {
-    startOnce();
     std::FILE *file = std::tmpfile();
     std::fwrite(text.data(), 1, text.size(), file);
     std::rewind(file);
@@ -75,7 +62,7 @@ std::string text(const std::string &source) {
     return tokens[0]->text;
 }
 
-TEST(Lexer, EveryOperatorBehindAValue) {
+TEST_F(Lexer, EveryOperatorBehindAValue) {
     const std::pair<const char *, K> forms[] = {
         {"+", K::Plus},
         {"-", K::Minus},
@@ -146,7 +133,7 @@ TEST(Lexer, EveryOperatorBehindAValue) {
         EXPECT_EQ(kinds(std::string("a") + form + "b"), (Kinds{K::Identifier, kind, K::Identifier})) << form;
 }
 
-TEST(Lexer, ACharacterMeansAnotherThingBehindAnotherToken) {
+TEST_F(Lexer, ACharacterMeansAnotherThingBehindAnotherToken) {
     EXPECT_EQ(kinds("x'"), (Kinds{K::Identifier, K::Quote}));
     EXPECT_EQ(kinds("x = 'a'"), (Kinds{K::Identifier, K::Assign, K::String}));
     EXPECT_EQ(kinds("'a'"), Kinds{K::String});
@@ -157,7 +144,7 @@ TEST(Lexer, ACharacterMeansAnotherThingBehindAnotherToken) {
     EXPECT_EQ(kinds("a, % b"), (Kinds{K::Identifier, K::Comma}));
 }
 
-TEST(Lexer, ArrowsThatGoNoFurtherAreTwoTokens) {
+TEST_F(Lexer, ArrowsThatGoNoFurtherAreTwoTokens) {
     auto tokens = lex("a<-1");
     ASSERT_EQ(tokens.size(), 4u);
     EXPECT_EQ(tokens[1]->kind, K::Less);
@@ -167,7 +154,7 @@ TEST(Lexer, ArrowsThatGoNoFurtherAreTwoTokens) {
     EXPECT_EQ(kinds("a<->b"), (Kinds{K::Identifier, K::Connect2Way, K::Identifier}));
 }
 
-TEST(Lexer, DecimalNumbers) {
+TEST_F(Lexer, DecimalNumbers) {
     EXPECT_EQ(number("12"), 12.0);
     EXPECT_EQ(number("1.5"), 1.5);
     EXPECT_EQ(number(".5"), 0.5);
@@ -182,7 +169,7 @@ TEST(Lexer, DecimalNumbers) {
     EXPECT_EQ(number("4.9e-324"), 4.9e-324);
 }
 
-TEST(Lexer, BasedNumbersWrapAndTakeFractions) {
+TEST_F(Lexer, BasedNumbersWrapAndTakeFractions) {
     EXPECT_EQ(number("017"), 15.0);
     EXPECT_EQ(number("00.5"), 0.625);
     EXPECT_EQ(number("0x1F"), 31.0);
@@ -196,7 +183,7 @@ TEST(Lexer, BasedNumbersWrapAndTakeFractions) {
     EXPECT_TRUE(std::isnan(number("0x0.100000000")));
 }
 
-TEST(Lexer, SuffixesOfNumbers) {
+TEST_F(Lexer, SuffixesOfNumbers) {
     EXPECT_EQ(kinds("3Z"), Kinds{K::Integer});
     EXPECT_EQ(kinds("3z"), Kinds{K::Integer});
     EXPECT_EQ(kinds("0x1B"), Kinds{K::Byte});
@@ -213,7 +200,7 @@ TEST(Lexer, SuffixesOfNumbers) {
     EXPECT_EQ(kinds("1.5Z"), (Kinds{K::Number, K::Identifier}));
 }
 
-TEST(Lexer, EscapesOfDoubleQuotedStrings) {
+TEST_F(Lexer, EscapesOfDoubleQuotedStrings) {
     EXPECT_EQ(text("\"a\\n\\t\\\\\\\"\\'\\?\\a\\b\\f\\r\\v\""), "a\n\t\\\"'?\a\b\f\r\v");
     EXPECT_EQ(text("\"\\7\""), "7");
     EXPECT_EQ(text("\"\\101\""), "\x71");
@@ -229,7 +216,7 @@ TEST(Lexer, EscapesOfDoubleQuotedStrings) {
     EXPECT_EQ(text("\"line\nend\""), "line\nend");
 }
 
-TEST(Lexer, SingleQuotedStringsKeepBackslashes) {
+TEST_F(Lexer, SingleQuotedStringsKeepBackslashes) {
     EXPECT_EQ(text("'a\\n'"), "a\\n");
     EXPECT_EQ(text("'it\\'s'"), "it's");
     EXPECT_EQ(text("''"), "");
@@ -237,7 +224,7 @@ TEST(Lexer, SingleQuotedStringsKeepBackslashes) {
     EXPECT_EQ(text("'two\nlines'"), "two\nlines");
 }
 
-TEST(Lexer, RegularExpressionsAreKeptWhole) {
+TEST_F(Lexer, RegularExpressionsAreKeptWhole) {
     EXPECT_EQ(kinds("~/a\\/b/gi"), Kinds{K::Regexp});
     EXPECT_EQ(text("~/a\\/b/gi"), "a\\/b/gi");
     EXPECT_EQ(kinds("~s/a/b/g"), Kinds{K::Regsub});
@@ -246,7 +233,7 @@ TEST(Lexer, RegularExpressionsAreKeptWhole) {
     EXPECT_EQ(text("~tR/a/b/"), "a/b/");
 }
 
-TEST(Lexer, CommentsAndLineJoins) {
+TEST_F(Lexer, CommentsAndLineJoins) {
     EXPECT_EQ(kinds("a // b"), Kinds{K::Identifier});
     EXPECT_EQ(kinds("a /* c */ % d"), Kinds{K::Identifier});
     EXPECT_EQ(kinds("a /* x /* y */ z */ b"), (Kinds{K::Identifier, K::Identifier}));
@@ -259,7 +246,7 @@ TEST(Lexer, CommentsAndLineJoins) {
     EXPECT_EQ(joined[2]->number, 1.0);
 }
 
-TEST(Lexer, GroupsAreSingleTokens) {
+TEST_F(Lexer, GroupsAreSingleTokens) {
     auto empty = lex("()");
     ASSERT_EQ(empty.size(), 1u);
     EXPECT_EQ(empty[0]->kind, K::ParenGroup);
@@ -277,7 +264,7 @@ TEST(Lexer, GroupsAreSingleTokens) {
     EXPECT_EQ(inside, (Kinds{K::Number, K::Comma, K::Number, K::Semicolon}));
 }
 
-TEST(Lexer, MinusBehindAParenthesis) {
+TEST_F(Lexer, MinusBehindAParenthesis) {
     auto group = lex("(-1)");
     ASSERT_EQ(group.size(), 1u);
     EXPECT_TRUE(group[0]->first->is(K::Minus));
@@ -285,7 +272,7 @@ TEST(Lexer, MinusBehindAParenthesis) {
     EXPECT_EQ(kinds("x (- S"), (Kinds{K::Identifier, K::MemberOf, K::Identifier}));
 }
 
-TEST(Lexer, KeywordsAndNames) {
+TEST_F(Lexer, KeywordsAndNames) {
     EXPECT_EQ(kinds("in parent global builtin to as this if"),
               (Kinds{K::In, K::Parent, K::Global, K::Builtin, K::To, K::As, K::This, K::Keyword}));
     auto words = lex("until untill iff _a1 `b");
@@ -296,7 +283,7 @@ TEST(Lexer, KeywordsAndNames) {
     EXPECT_STREQ(getSymbolName(words[4]->symbol), "`b");
 }
 
-TEST(Lexer, LongTexts) {
+TEST_F(Lexer, LongTexts) {
     std::string name(1 << 20, 'n');
     auto tokens = lex(name + " = 1");
     ASSERT_EQ(tokens.size(), 3u);
@@ -304,13 +291,13 @@ TEST(Lexer, LongTexts) {
     EXPECT_EQ(text("\"" + name + "\""), name);
 }
 
-TEST(Lexer, NulBytesEndLinesAndTexts) {
+TEST_F(Lexer, NulBytesEndLinesAndTexts) {
     EXPECT_EQ(kinds(std::string("a \0 b", 5)), Kinds{K::Identifier});
     EXPECT_EQ(kinds(std::string("a\0 b", 4)), (Kinds{K::Identifier, K::Identifier}));
     EXPECT_EQ(text(std::string("\"ab\0c\"", 6)), "ab");
 }
 
-TEST(Lexer, TheMatchedTokensLineCountsFromOne) {
+TEST_F(Lexer, TheMatchedTokensLineCountsFromOne) {
     pushText("a\nb\n\n[c,\nd] e\n");
     std::vector<uint32_t> lines;
     LexStart category = LexStart::Statement;
@@ -324,7 +311,17 @@ TEST(Lexer, TheMatchedTokensLineCountsFromOne) {
     EXPECT_EQ(lines, (std::vector<uint32_t>{1, 1, 2, 2, 3, 5, 5}));
 }
 
-TEST(Source, LineEndsOfAllKinds) {
+TEST_F(Lexer, WhatIsNoTokenEndsTheCommand) {
+    for (const char *form : {"?", "= 1", "a & b", "1e", "1e+", "1..2", "a ... b", "\x7f", "\x01"}) {
+        EXPECT_ABORT(lex(form));
+        resetFileList();
+    }
+    EXPECT_ABORT(lex("0x"));
+    EXPECT_ABORT(lex("0b + 1"));
+    resetFileList();
+}
+
+TEST_F(Source, LineEndsOfAllKinds) {
     pushText("a\r\nb\rc\n\rd");
     std::string read;
     for (int c; (c = readch()) != end_of_input;) read += static_cast<char>(c);
@@ -333,7 +330,7 @@ TEST(Source, LineEndsOfAllKinds) {
     resetFileList();
 }
 
-TEST(Source, PushedBackCharactersComeBackLastFirst) {
+TEST_F(Source, PushedBackCharactersComeBackLastFirst) {
     pushText("z\n");
     setExtraCh('a');
     setExtraCh('\n');
@@ -347,10 +344,14 @@ TEST(Source, PushedBackCharactersComeBackLastFirst) {
     setExtraCh('x');
     setExtraCh('\0');
     EXPECT_EQ(nextChar(), '\n');
+    setExtraCh('a');
+    setExtraCh('b');
+    setExtraCh('c');
+    EXPECT_ABORT(setExtraCh('d'));
     resetFileList();
 }
 
-TEST(Source, ALineEndThatIsReadAgainCountsOnce) {
+TEST_F(Source, ALineEndThatIsReadAgainCountsOnce) {
     pushText("\nx");
     EXPECT_EQ(nextChar(), '\n');
     EXPECT_EQ(getCurrLineNum(), 1u);
@@ -362,7 +363,7 @@ TEST(Source, ALineEndThatIsReadAgainCountsOnce) {
     resetFileList();
 }
 
-TEST(Source, TheByte0xFFReadsLikeTheEndOfTheFile) {
+TEST_F(Source, TheByte0xFFReadsLikeTheEndOfTheFile) {
     pushText(
         "a\xff"
         "b\n");
@@ -372,7 +373,7 @@ TEST(Source, TheByte0xFFReadsLikeTheEndOfTheFile) {
     resetFileList();
 }
 
-TEST(Source, AFileWithoutALineEndLetsTheNextSourceEndToo) {
+TEST_F(Source, AFileWithoutALineEndLetsTheNextSourceEndToo) {
     pushText("below\n");
     pushText("x");
     EXPECT_TRUE(getToken(LexStart::Statement)->is(K::Identifier));
@@ -380,8 +381,7 @@ TEST(Source, AFileWithoutALineEndLetsTheNextSourceEndToo) {
     EXPECT_EQ(filelist->next, nullptr);
 }
 
-TEST(Tables, KeywordsAreFoundInTextThatGoesOn) {
-    startOnce();
+TEST_F(Tables, KeywordsAreFoundInTextThatGoesOn) {
     EXPECT_EQ(isKeyword("until"), KeywordId::Until);
     EXPECT_EQ(isKeyword("untill"), KeywordId::Until);
     EXPECT_EQ(isKeyword("untilll"), KeywordId::NotFound);
@@ -398,7 +398,7 @@ TEST(Tables, KeywordsAreFoundInTextThatGoesOn) {
     EXPECT_STREQ(getKeywordName(static_cast<KeywordId>(7)), "");
 }
 
-TEST(Tables, OperatorsAndTokensAreDifferentSpaces) {
+TEST_F(Tables, OperatorsAndTokensAreDifferentSpaces) {
     EXPECT_EQ(getTokOpr(K::Plus), Opr::Sum);
     EXPECT_EQ(getTokOpr(K::PlusAssign), Opr::AddAsgn);
     EXPECT_EQ(getTokOpr(K::Tilde), Opr::None);
@@ -414,8 +414,7 @@ TEST(Tables, OperatorsAndTokensAreDifferentSpaces) {
     EXPECT_TRUE(isBinary(Opr::Sum));
 }
 
-TEST(Tables, TextsOfTokensForMessages) {
-    startOnce();
+TEST_F(Tables, TextsOfTokensForMessages) {
     Token token = {};
     token.kind = K::Number;
     token.number = 2.5;
@@ -432,8 +431,7 @@ TEST(Tables, TextsOfTokensForMessages) {
     EXPECT_STREQ(tok2str(&token), "ans");
 }
 
-TEST(Names, NumberingsOfNames) {
-    startOnce();
+TEST_F(Names, NumberingsOfNames) {
     uint32_t a = findSymbolIndex("some_name");
     EXPECT_EQ(findSymbolIndex("some_name"), a);
     EXPECT_EQ(rtFindFieldIndexByStr("some_name"), not_found);
@@ -450,3 +448,5 @@ TEST(Names, NumberingsOfNames) {
 }
 
 }  // namespace
+
+}  // namespace vesko
