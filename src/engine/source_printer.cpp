@@ -67,8 +67,10 @@ void printElement(SourceText &out, const Matrix *m, uint32_t i) {
         case L2::IS: return printWhole(out, m->ints()[i], 'Z');
         case L2::BY:
         case L2::BI: return printWhole(out, m->bytes()[i], 'B');
-        case L2::CS:
-        case L2::CM: return printComplex(out, m->re()->rdata[i], m->im()->rdata[i]);
+        case L2::CS: return printComplex(out, m->re()->rdata[i], m->im()->rdata[i]);
+        case L2::CM:
+            if (m->im()->rdata[i] == 0) return printReal(out, m->re()->rdata[i]);
+            return printComplex(out, m->re()->rdata[i], m->im()->rdata[i]);
         default: return printReal(out, elementOf(m, i));
     }
 }
@@ -189,6 +191,17 @@ void printOnlyChild(SourceText &out, const PcNode *node) { printChild(out, node,
 template <char Open, char Close>
 void printBracketed(SourceText &out, const PcNode *node) {
     print_node_list(out, node, Open, Close, ',');
+}
+
+// The last child of a literal stands for its `~`.
+void printGrowingList(SourceText &out, const PcNode *node) {
+    out.add('(');
+    for (uint32_t k = 0; k < node->ncub; k++) {
+        if (k) out.add(',');
+        const bool mark = k + 1 == node->ncub && node->child(k)->kind == NodeKind::Atom;
+        mark ? out.add('~') : printChild(out, node, k);
+    }
+    out.add(')');
 }
 
 void printMatrixRows(SourceText &out, const PcNode *node) {
@@ -435,7 +448,8 @@ constexpr PrinterRow printers[] = {
     {MatRows, MatRows, printMatrixRows},
     {MatRow, MatRow, printBracketed<'[', ']'>},
     {Sequence, Sequence, printBracketed<'(', ')'>},
-    {List, VList, printBracketed<'(', ')'>},
+    {List, List, printBracketed<'(', ')'>},
+    {VList, VList, printGrowingList},
     {TargetList, TargetList, printBracketed<'(', ')'>},
     {Struct, Set, printBracketed<'{', '}'>},
     {FieldItem, FieldItem, printNamedItem<getFieldName>},
