@@ -113,7 +113,9 @@ static Token *headTokens(const InstNode *inst) {
 }
 
 PcNode *makeFunctionNode(InstNode *inst, uint32_t line) {
-    Closure c = parseClosure(getMapIOargs(headTokens(inst), line), line);
+    Token *head = headTokens(inst);
+    if (head) line = head->line;  // the token of the block stands at its end
+    Closure c = parseClosure(getMapIOargs(head, line), line);
     int32_t npublic = openFunction(c, 20);
     if (c.outputs->ncub > 1) ctscope->returnnode = newReturnNode(line);
     PcNode *entry = buildFuncCodeTree(transformInstructList(completeBody(inst, c)));
