@@ -32,6 +32,7 @@ static Matrix *powerAsReal(Matrix *a, Matrix *b, PcNode *node) {
     return applyMade(Arith::Pow, x, y, a, b, node);
 }
 
+// Of matrices, and of kinds whose scalars are no reals either.
 static Matrix *powerOfKind(Matrix *a, Matrix *b, PcNode *node) {
     switch (a->l2type) {
         case L2::RNG:
@@ -45,15 +46,10 @@ static Matrix *powerOfKind(Matrix *a, Matrix *b, PcNode *node) {
         case L2::MPF:
         case L2::OBJ: error_kind_not_built(node, a->l2type);
         case L2::CM: return wholePower(matpow_c, a, b, node);
-        case L2::BY:
-            if (a->length > 1) return wholePower(matpow_b, a, b, node);
-            break;
-        case L2::BI:
-            if (a->length > 1) return wholePower(matpow_n, a, b, node);
-            break;
-        default: break;
+        case L2::BY: return wholePower(matpow_b, a, b, node);
+        case L2::BI: return wholePower(matpow_n, a, b, node);
+        default: return powerAsReal(a, b, node);
     }
-    return powerAsReal(a, b, node);
 }
 
 // An exponent is one number; bases that are no numbers fail in the conversion.
@@ -61,7 +57,8 @@ static Matrix *power(Matrix *a, Matrix *b, PcNode *node) {
     if (b->length != 1 || !isNumeric(b->l2type)) error_undef_opr2(node);
     if (b->l2type == L2::BIGINT || b->l2type == L2::MPF) error_kind_not_built(node, b->l2type);
     if (a->l2type == L2::CS || b->l2type == L2::CS) return complexPower(a, b, node);
-    if (a->l1type != L1::PF) return powerAsReal(a, b, node);
+    const bool one_real = a->length == 1 && (isByteKind(a->l2type) || a->l2type == L2::RNG);
+    if (a->l1type != L1::PF || one_real) return powerAsReal(a, b, node);
     return powerOfKind(a, b, node);
 }
 

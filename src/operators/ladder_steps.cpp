@@ -104,7 +104,7 @@ static L2 keptTag(Arith op, const Matrix *a, const Matrix *b) {
 
 Matrix *dense(Arith op, Matrix *a, Matrix *b, PcNode *node) {
     const bool solves = (op == Arith::Dvd || op == Arith::Bsl) && a->length > 1;
-    if (solves && b->l1type == L1::PF) error_not_built(node, "division by triangular and symmetric matrices");
+    if (solves && isTagged(b->l2type)) error_not_built(node, "division by triangular and symmetric matrices");
     const L2 tag = keptTag(op, a, b);
     Matrix *result = tableEntry(op, denseFamily(a), denseFamily(b))(a, b, node);
     if (tag == L2::RM || result->l2type != L2::RM) return result;
