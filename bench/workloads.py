@@ -18,7 +18,7 @@ def both(name, vesko, python, lua):
         "python": python.strip("\n") + "\nprint(r)\n",
     }
     in_function = {
-        "vesko": "f = function () -> r\n%s\nend\nf()\n" % indent(vesko),
+        "vesko": "f = function () -> r\n%s\nend;\nf()\n" % indent(vesko),
         "lua": "local function f()\n    local r\n%s\n    return r\nend\nprint(f())\n" % indent(lua),
         "python": "def f():\n%s\n    return r\nprint(f())\n" % indent(python),
     }
@@ -52,6 +52,21 @@ def product(n, times):
 WORKLOADS = {
     "start": {"vesko": "", "lua": "", "python": ""},
     "statements": statements(),
+    **both("bare", """
+for i = 1:10000000
+end
+r = i;
+""", """
+for i in range(1, 10000001):
+    pass
+r = i + 1
+""", """
+local last = 0
+for i = 1, 10000000 do
+    last = i
+end
+r = last + 1
+"""),
     **both("count", """
 s = 0;
 for i = 1:5000000
@@ -169,7 +184,7 @@ fib = function n -> r
     else
         r = this(n - 1) + this(n - 2);
     end
-end
+end;
 fib(27)
 """,
         "lua": """
@@ -350,7 +365,7 @@ r = s
 """),
     "vecexpr": {
         "vesko": """
-x = (1:1000000) * [1];
+x = [1:999999, 1000000];
 y = x * 0.5 + 1;
 for 100
     z = x + y * 2 - 3;
