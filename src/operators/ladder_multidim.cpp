@@ -51,7 +51,7 @@ static bool goesByElements(Arith op) { return op != Arith::Mpy && op != Arith::D
 Matrix *multidimPair(Arith op, Matrix *a, Matrix *b, PcNode *node) {
     const bool left = isMultidim(a), right = isMultidim(b);
     if (left && right) {
-        if (!goesByElements(op)) return noQuotient(op, a, b, node);
+        if (!goesByElements(op)) error_undef_opr2(node);
         if (!sameDims(a, b)) error_size_nomatch(node);
     } else if ((left ? b : a)->length != 1) {
         error_undef_opr2(node);
