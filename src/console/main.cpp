@@ -12,11 +12,6 @@
 #include "values/containers.h"
 #include "values/matrix.h"
 
-#ifdef VESKO_CHECK
-// Pools keep their memory for the life of the process by design.
-extern "C" const char *__asan_default_options() { return "detect_leaks=0:handle_abort=1"; }
-#endif
-
 namespace vesko {
 namespace {
 

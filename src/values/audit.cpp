@@ -13,7 +13,7 @@
 // The pools keep their memory for the life of the process, and poisoned memory hides it from a search for
 // leaks.
 extern "C" const char *__asan_default_options();
-extern "C" const char *__asan_default_options() { return "detect_leaks=0"; }
+extern "C" const char *__asan_default_options() { return "detect_leaks=0:handle_abort=1"; }
 
 namespace vesko {
 

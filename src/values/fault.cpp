@@ -3,6 +3,7 @@
 
 #ifdef VESKO_CHECK
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 
 namespace vesko {
@@ -20,7 +21,12 @@ void startFaults() {
     interrupt_at = wantedAt("VESKO_INTERRUPT");
 }
 
-static bool isDue(unsigned long &events) { return events && --events == 0; }
+// Tells a driver that the fault came to pass.
+static bool isDue(unsigned long &events) {
+    const bool due = events && --events == 0;
+    if (due) std::fputs("fault: injected\n", stderr);
+    return due;
+}
 
 bool refuseInjected() { return isDue(refuse_at); }
 
