@@ -3,6 +3,7 @@
 #include "engine/errors.h"
 #include "engine/frame.h"
 #include "engine/handlers.h"
+#include "engine/pins.h"
 #include "frontend/symbols.h"
 #include "operators/dispatch.h"
 #include "values/convert.h"
@@ -75,7 +76,8 @@ Matrix *preStepInDomain(PcNode *node, Variable *var) {
     Matrix *old = var->value;
     bool sole = soleHolder(old, node->value);
     Matrix *result = stepped<Step>(old, integerOne, node);
-    Matrix *hold = holdMats(old);
+    const uint32_t first_pin = pinCount();
+    pinMat(old);
     replaceMat(var->value, result);
     if (!memberOfSet(sole ? result : old, var->domain, node)) {
         if (result->l1type == L1::RS || result->l1type == L1::RM)
@@ -84,7 +86,7 @@ Matrix *preStepInDomain(PcNode *node, Variable *var) {
             replaceMat(var->value, old);
         error_asgn_justify(node);
     }
-    releaseMat(hold);
+    releasePins(first_pin);
     return result;
 }
 
@@ -103,12 +105,10 @@ Matrix *preStep(PcNode *node) {
 // The value tested is the one before the step: a step can leave the domain, and the next one is refused.
 Matrix *postStepInDomain(PcNode *node, Variable *var, Matrix *fresh) {
     Matrix *old = var->value;
-    Matrix *hold = holdMats(old, fresh);
+    pinMat(old);
     if (!memberOfSet(old, var->domain, node)) error_asgn_justify(node);
     replaceMat(var->value, fresh);
-    keepResult(old);
-    releaseMat(hold);
-    return detachMat(old);
+    return unpinMat();
 }
 
 // The old record becomes the result, so nothing is copied.

@@ -4,23 +4,10 @@
 #include "engine/errors.h"
 #include "engine/frame.h"
 #include "engine/handlers.h"
+#include "engine/pins.h"
 #include "operators/dispatch.h"
-#include "values/convert.h"
 
 namespace vesko {
-
-Matrix *holdMats(Matrix *a, Matrix *b) {
-    Matrix *hold = newListMat(2);
-    addListEntry(hold, a);
-    if (b) addListEntry(hold, b);
-    return hold;
-}
-
-// An automaton has identity: its holders share it even when one of them writes.
-Matrix *cloneSlot(Matrix *&slot) {
-    if (slot->l2type == L2::AUTOMATON) return slot;
-    return replaceMat(slot, cloneMatrix(slot));
-}
 
 Matrix *doVarAsgn(PcNode *node) {
     Matrix *value = node->eval(0);
@@ -45,18 +32,25 @@ void testStored(PcNode *node, Variable *var, Matrix *old) {
     error_asgn_justify(node);
 }
 
-// A variable with a domain keeps its old value aside until the new one has passed the test. Holding the old
-// value shares it, so that the in-place operation works on a clone.
+// A variable with a domain keeps its old value aside until the new one has passed the test. A pinned value is
+// shared, so that the in-place operation works on a clone.
 template <InPlaceTable &table>
 Matrix *compoundStore(PcNode *node, Matrix *operand) {
     Variable *var = getVar(node->value);
     Matrix *old = var->value;
-    bool held = var->domain || dependsOnTarget(operand, old);
-    Matrix *hold = held ? holdMats(old, operand) : operand;
+    const uint32_t first_pin = pinCount();
+    const bool keep = var->domain || dependsOnTarget(operand, old);
+    if (keep) {
+        pinMat(operand);
+        pinMat(old);
+    }
     Matrix *target = unshare(var->value);
     Matrix *result = table[pairIndex(target, operand)](target, operand, var, node);
     testStored(node, var, old);
-    releaseMat(hold);
+    if (keep)
+        releasePins(first_pin);
+    else
+        releaseMat(operand);
     return result;
 }
 
@@ -99,10 +93,12 @@ Matrix *addAsgnBefore(PcNode *node) {
     Variable *var = getVar(node->value);
     Matrix *old = var->value;
     if (isNumeric(operand->l2type) && isNumeric(old->l2type)) return compoundStore<addfun>(node, operand);
-    Matrix *hold = holdMats(operand, old);
+    const uint32_t first_pin = pinCount();
+    pinMat(operand);
+    pinMat(old);
     Matrix *result = replaceMat(var->value, getMatSum(operand, old, node));
     testStored(node, var, old);
-    releaseMat(hold);
+    releasePins(first_pin);
     return result;
 }
 

@@ -112,9 +112,15 @@ Matrix *roomForTail(Matrix *m, uint32_t rows, uint32_t cols) {
 }
 
 template <class K>
+Matrix *makeZeros(uint32_t rows, uint32_t cols) {
+    Matrix *m = K::make(rows, cols);
+    std::memset(K::at(m), 0, m->length * sizeof(typename K::Element));
+    return m;
+}
+
+template <class K>
 Matrix *withCorner(const Matrix *m, uint32_t rows, uint32_t cols) {
-    Matrix *wide = K::make(rows, cols);
-    std::memset(K::at(wide), 0, wide->length * sizeof(typename K::Element));
+    Matrix *wide = makeZeros<K>(rows, cols);
     K::copyCorner(wide, m);
     return wide;
 }
@@ -164,6 +170,21 @@ Matrix *growMat(Matrix *&slot, uint32_t rows, uint32_t cols) {
         default: assert(slot->l2type == L2::CS || slot->l2type == L2::CM);
     }
     return growComplex(slot, rows, cols);
+}
+
+Matrix *newZerosOfKind(L2 kind, uint32_t rows, uint32_t cols) {
+    switch (kind) {
+        case L2::IM:
+        case L2::IS: return makeZeros<Ints>(rows, cols);
+        case L2::BY: return makeZeros<Bytes>(rows, cols);
+        case L2::BI: return makeZeros<Bits>(rows, cols);
+        case L2::CS:
+        case L2::CM: {
+            Matrix *re = makeZeros<Reals>(rows, cols);
+            return newCompMat(re, makeZeros<Reals>(rows, cols));
+        }
+        default: return makeZeros<Reals>(rows, cols);
+    }
 }
 
 static Matrix *grownTemporary(Matrix *m, uint32_t rows, uint32_t cols) {

@@ -184,6 +184,8 @@ Matrix *findHashData(const hashtable *t, const Matrix *key) {
     return n ? n->data : t->dflt;
 }
 
+hashnode *findHashNode(const hashtable *t, const Matrix *key) { return findNode(t, bucketOf(key), key); }
+
 Matrix **findHashDataAddr(hashtable *t, Matrix *key) {
     const uint32_t bucket = bucketOf(key);
     hashnode *n = findNode(t, bucket, key);
