@@ -6,6 +6,8 @@
 #include "engine/pins.h"
 #include "frontend/symbols.h"
 #include "operators/dispatch.h"
+#include "operators/index.h"
+#include "operators/index_walk.h"
 #include "values/convert.h"
 
 namespace vesko {
@@ -162,6 +164,73 @@ static Matrix *steppedPlace(PcNode *node) {
 
 Matrix *getTreeStepUp(PcNode *node) { return steppedPlace<StepUp>(node); }
 Matrix *getTreeStepDown(PcNode *node) { return steppedPlace<StepDown>(node); }
+
+// ---- One element of a matrix in place: `++m[i]`. The node is the store of the stepped element into m[i];
+// the index must lie inside.
+
+namespace {
+
+template <class Step>
+void stepElement(Matrix *m, uint32_t i) {
+    switch (m->l2type) {
+        case L2::IM:
+        case L2::IS:
+            m->ints()[i] = static_cast<int32_t>(static_cast<uint32_t>(m->ints()[i]) + Step::by);
+            break;
+        case L2::BY: m->bytes()[i] += Step::by; break;
+        case L2::BI: m->bytes()[i] ^= 1; break;
+        case L2::CS:
+        case L2::CM: unshare(m->entries()[0])->rdata[i] += Step::by; break;
+        default: m->rdata[i] += Step::by;
+    }
+}
+
+// A scalar of the element's kind; of a complex element, the real part.
+Matrix *elementOf(const Matrix *m, uint32_t i) {
+    switch (m->l2type) {
+        case L2::IM:
+        case L2::IS: return newIntScalarMat(m->ints()[i]);
+        case L2::BY: return newByteScalarMat(m->bytes()[i]);
+        case L2::BI: return newBinaryScalarMat(m->bytes()[i]);
+        case L2::CS:
+        case L2::CM: return newRealScalarMat(m->re()->rdata[i]);
+        default: return newRealScalarMat(m->rdata[i]);
+    }
+}
+
+bool hasStepElements(const Matrix *m) {
+    return m->l2type <= L2::BI || m->l2type == L2::CS || m->l2type == L2::CM;
+}
+
+template <class Step>
+void stepElements(Matrix *m, const IndexRun &run) {
+    run.visit([=, n = run.length](auto i) {
+        for (uint32_t k = 0; k < n; k++) stepElement<Step>(m, i(k));
+    });
+}
+
+template <class Step, bool output>
+Matrix *stepMatRef(PcNode *node) {
+    PcNode *index_node = node->child(0)->child(1);
+    Target target = openTarget(node->child(0)->child(0));
+    Matrix *index_value = pinMat(index_node->exec(index_node));
+    Matrix *m = uniquelize(target);
+    if (!hasStepElements(m)) error_undef_opr(node, m, Step::kind);
+    uint32_t max;
+    Matrix *index = chkIndxMat(index_value, m->length, max, index_node);
+    if (index != index_value) pinMat(index);
+    if (m->l2type == L2::RNG) m = replaceMat(*target.slot, convToDb(m));
+    stepElements<Step>(m, indexRun(index));
+    if (!output) return closeTarget(target, m, node);
+    return closeTarget(target, index->length == 1 ? elementOf(m, max - 1) : matRef(m, index, node), node);
+}
+
+}  // namespace
+
+Matrix *doMatRefPreIncNoOutput(PcNode *node) { return stepMatRef<StepUp, false>(node); }
+Matrix *doMatRefPreIncOutput(PcNode *node) { return stepMatRef<StepUp, true>(node); }
+Matrix *doMatRefPreDecNoOutput(PcNode *node) { return stepMatRef<StepDown, false>(node); }
+Matrix *doMatRefPreDecOutput(PcNode *node) { return stepMatRef<StepDown, true>(node); }
 
 // The child assigns the stepped value; the result is the value before.
 Matrix *doPostIncDec(PcNode *node) {

@@ -18,6 +18,10 @@ Matrix *initVarDomain_VC(PcNode *node);
 Matrix *initVarDomain_VV(PcNode *node);
 Matrix *doMultiVarAsgn_rhs_list(PcNode *node);
 Matrix *addAsgnBefore(PcNode *node);  // x = e + x
+Matrix *doMatRefPreIncNoOutput(PcNode *node);  // ++m[i] as a statement
+Matrix *doMatRefPreIncOutput(PcNode *node);    // with the new element as value
+Matrix *doMatRefPreDecNoOutput(PcNode *node);
+Matrix *doMatRefPreDecOutput(PcNode *node);
 Matrix *getTreeStepUp(PcNode *node);  // of ++ and -- on a place that is no plain variable
 Matrix *getTreeStepDown(PcNode *node);
 Matrix *addAsgn_DD(PcNode *node);

@@ -42,9 +42,13 @@ static PcNode *newStepNode(PcNode *target, Opr step) {
 
 PcNode *buildPreStep(Opr op, Token *right) {
     PcNode *target = getLValueNode(right);
-    if (target->kind != Opr::Variable) return newStepNode(target, op);
-    setOpr(target, op);
-    return target;
+    if (target->kind == Opr::Variable) {
+        setOpr(target, op);
+        return target;
+    }
+    PcNode *node = newStepNode(target, op);
+    if (target->kind == Opr::Ref) node->exec = op == Opr::PreInc ? doMatRefPreIncOutput : doMatRefPreDecOutput;
+    return node;
 }
 
 PcNode *buildPostStep(Opr op, Token *left) {

@@ -1,6 +1,7 @@
 // The second pass over a command: instructions to statement nodes. Every jump becomes a link from node to
 // node, so that a compiled block is a graph and the run time keeps no record of blocks.
 #include "engine/exceptions.h"
+#include "engine/handlers.h"
 #include "frontend/inst.h"
 #include "frontend/parser.h"
 #include "frontend/symbols.h"
@@ -274,10 +275,17 @@ PcNode *wrap(NodeKind kind, PcNode *root) {
     return node;
 }
 
+// A step of an element that stands alone needs no value of its own.
+void dropStepOutput(PcNode *root) {
+    if (root->exec == doMatRefPreIncOutput) root->exec = doMatRefPreIncNoOutput;
+    if (root->exec == doMatRefPreDecOutput) root->exec = doMatRefPreDecNoOutput;
+}
+
 // What becomes of the value: assignments and leaves show it, expressions store it in `ans` at top level.
 PcNode *makeShowNode(PcNode *root, bool quiet) {
     bool in_function = progstkdepth > 0;
     if (root->kind > NodeKind::ListJoin) return root;
+    dropStepOutput(root);
     if (root->kind < NodeKind::Link) return quiet ? root : wrap(NodeKind::ShowValue, root);
     if (in_function) return wrap(quiet ? NodeKind::ThrowValue : NodeKind::ThrowShow, root);
     return wrap(quiet ? NodeKind::SetAns : NodeKind::SetAnsShow, root);

@@ -168,6 +168,10 @@ Matrix *readForcedField(PcNode *node, Wanted wanted) {
 
 }  // namespace
 
+Matrix *readObjField(Matrix *object, uint32_t name, PcNode *node) {
+    return memberOf(object, name, Wanted::Value, node);
+}
+
 Matrix *getStructField(PcNode *node) { return readField(node, Wanted::Value); }
 Matrix *getStructFieldFunc(PcNode *node) { return readField(node, Wanted::Function); }
 Matrix *getParField(PcNode *node) { return readParentField(node, Wanted::Value); }

@@ -70,7 +70,9 @@ sfield *findAcquiredField(const Xobject *obj, uint32_t name);
 Matrix *findObjAcquiredField(const Matrix *object, uint32_t name);  // the value, or theDneMat
 bool isMemberOf(const ClassField *field);  // the running function is a member of the field's class
 
-// ---- Reading, besides the handlers: an auto or common function itself, not what it computes.
+// ---- Reading, besides the handlers. The caller holds the object; null when there is no such field.
+Matrix *readObjField(Matrix *object, uint32_t name, PcNode *node);
+// An auto or common function itself, not what it computes.
 Matrix *getStructFieldFunc(PcNode *node);
 Matrix *getForcedFieldFunc(PcNode *node);
 Matrix *getParFieldFunc(PcNode *node);

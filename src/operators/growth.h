@@ -16,8 +16,8 @@ namespace vesko {
 // doubling.
 Matrix *growMat(Matrix *&slot, uint32_t rows, uint32_t cols);
 
-Matrix *newZerosOfKind(L2 kind, uint32_t rows,
-                       uint32_t cols);  // dense; real-like kinds of no other sort are real
+// Zeros of a dense kind; a kind of none of these gives reals.
+Matrix *newZerosOfKind(L2 kind, uint32_t rows, uint32_t cols);
 
 Matrix *txmAddLen(Matrix *&slot, uint32_t n);    // a string of n characters, new ones blank
 Matrix *vlGetNewLen(Matrix *&slot, uint32_t n);  // a VL of n entries, new ones empty

@@ -42,6 +42,9 @@ extern const Entry2Fn mat_entry2_fun[n_entry_kinds];
 Matrix *matRef(Matrix *m, Matrix *index, PcNode *node);
 Matrix *matRef2(Matrix *m, Matrix *rows, Matrix *cols, PcNode *node);
 
+// The k-th part of a value, from 0: an entry of a list, an element of a dense kind, a character.
+Matrix *getMatVecComponent(Matrix *m, uint32_t k);
+
 // ---- Functions as operands: f[values...]. `values` is a list.
 Matrix *spawnFunction(Matrix *f, Matrix *values, PcNode *node);
 // The indices of a node whose operand m is a function or an object; other kinds have no such index.

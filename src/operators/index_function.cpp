@@ -1,10 +1,12 @@
 // Index brackets on functions, which bind parameters, and on objects; and the functions of a missing index.
 #include "builtins/bfunc.h"
+#include "engine/calls.h"
 #include "engine/errors.h"
 #include "engine/frame.h"
 #include "engine/handlers.h"
 #include "engine/pins.h"
 #include "frontend/symbols.h"
+#include "objects/object.h"
 #include "operators/dispatch.h"
 #include "operators/index.h"
 #include "values/convert.h"
@@ -44,7 +46,15 @@ Matrix *spawnFunction(Matrix *f, Matrix *values, PcNode *node) {
     return f->l2type == L2::UF ? doUfRemake(f, values, node) : spawnBf(f, linkedVector(values), node);
 }
 
-Matrix *objectRef(Matrix *, Matrix *, PcNode *node) { error_not_built(node, "objects"); }
+Matrix *objectRef(Matrix *object, Matrix *values, PcNode *node) {
+    Matrix **at = values->entries();
+    if (values->length > 2) error_undef_opr(node, object, NodeKind::RefMd);
+    const uint32_t name = values->length == 1 ? FIELD_INDEX__IND : FIELD_INDEX__IND2;
+    Matrix *member = findObjField(objectOf(object), name);
+    if (!member) error_dne(node, getFieldName(name));
+    return values->length == 1 ? callMemberFunc(member, at[0], object, node)
+                               : callMemberFunc2(member, at[0], at[1], object, node);
+}
 
 // ---- Functions of a missing index: built-ins that keep the matrix and, where one is given, the other index
 

@@ -2,6 +2,8 @@
 #include "engine/errors.h"
 #include "engine/handlers.h"
 #include "engine/pins.h"
+#include "frontend/symbols.h"
+#include "objects/object.h"
 #include "operators/index.h"
 #include "operators/index_walk.h"
 #include "values/containers.h"
@@ -42,6 +44,14 @@ Matrix *onlyEntry(Matrix *m, PcNode *index_node) {
     return m;
 }
 
+Matrix *fieldByKey(Matrix *object, const Matrix *key, PcNode *node) {
+    if (key->l2type != L2::TX) error_obj_asgn_key_not_str(node);
+    const uint32_t name = rtFindFieldIndexByStr(key->text());
+    Matrix *value = name == not_found ? nullptr : readObjField(object, name, node);
+    if (!value) error_dne(node, key->text());
+    return value;
+}
+
 }  // namespace
 
 Matrix *getListEntry(PcNode *node) {
@@ -61,7 +71,7 @@ Matrix *getHashEntry(PcNode *node) {
     if (m->l2type == L2::HASH)
         result = findHashData(m->table(), key);
     else if (m->l2type == L2::OBJ)
-        error_not_built(node, "objects");
+        result = fieldByKey(m, key, node);
     else
         error_undef_opr2(node);
     keepResult(result);

@@ -1,18 +1,18 @@
 // Three or more indices: reading out of multidimensional matrices, and the brackets of functions and objects.
 #include "operators/index_multidim.h"
 
+#include <algorithm>
+
 #include "engine/errors.h"
 #include "engine/handlers.h"
 #include "engine/pins.h"
 #include "operators/index.h"
+#include "operators/index_source.h"
 #include "values/containers.h"
 
 namespace vesko {
 
-static Vector *extentsOf(const Matrix *m) { return static_cast<Vector *>(m->vdata); }
-
-// Each index is checked against its extent. Indices are evaluated one by one, each held while the next is.
-MultidimPlaces openPlaces(const Vector *extents, PcNode *indices) {
+MultidimPlaces openPlaces(const Vector *extents, const Matrix *values, PcNode *indices) {
     const uint32_t n = extents->size;
     MultidimPlaces p{n, 1, 0, nullptr, nullptr, newListMat(n), nullptr};
     p.scratch = allocGMat(n * (sizeof(IndexRun) + sizeof(uint32_t)));
@@ -20,7 +20,8 @@ MultidimPlaces openPlaces(const Vector *extents, PcNode *indices) {
     p.strides = reinterpret_cast<uint32_t *>(p.runs + n);
     for (uint32_t d = 0; d < n; d++) {
         uint32_t max;
-        Matrix *index = chkEvalIndxMat(indices->child(d), static_cast<uint32_t>(extents->numberAt(d)), max);
+        const auto extent = static_cast<uint32_t>(extents->numberAt(d));
+        Matrix *index = chkIndxMat(values->entries()[d], extent, max, indices->child(d));
         addListEntry(p.indices, index);
         p.runs[d] = indexRun(index);
         p.count = checkedLength(p.count, p.runs[d].length);
@@ -78,14 +79,14 @@ Matrix *takeMultidim(const Matrix *m, const MultidimPlaces &p) {
     return result;
 }
 
-bool isMultidim(const Matrix *m) { return m->l2type == L2::RMDM || m->l2type == L2::CMDM; }
-
 Matrix *readMultidim(Matrix *m, PcNode *node) {
     PcNode *indices = node->child(1);
     if (extentsOf(m)->size != indices->ncub) error_undef_opr(node, m, NodeKind::RefMd);
-    const MultidimPlaces p = openPlaces(extentsOf(m), indices);
+    Matrix *values = evalArgVec(indices);
+    const MultidimPlaces p = openPlaces(extentsOf(m), values, indices);
     Matrix *result = p.count == 0 ? theEmptyMat() : p.nmany > 2 ? takeMultidim(m, p) : takeMatrix(m, p);
     closePlaces(p);
+    releaseMat(values);
     return result;
 }
 
@@ -100,5 +101,76 @@ Matrix *getMatRefMd(PcNode *node) {
 }
 
 Matrix *getMatRef3(PcNode *node) { return getMatRefMd(node); }
+
+// ---- Stores
+
+namespace {
+
+// The extents above 1 of a value, in order, must be the lengths of the indices that are not single.
+bool hasLengths(const MultidimPlaces &p, const Matrix *value) {
+    const bool multidim = isMultidim(value);
+    const uint32_t matrix_extents[] = {value->nrows, value->ncols};
+    const uint32_t n = multidim ? extentsOf(value)->size : 2;
+    uint32_t d = 0;
+    for (uint32_t e = 0; e < n; e++) {
+        const uint32_t extent =
+            multidim ? static_cast<uint32_t>(extentsOf(value)->numberAt(e)) : matrix_extents[e];
+        if (extent == 1) continue;
+        while (d < p.levels && p.runs[d].length == 1) d++;
+        if (d == p.levels || p.runs[d++].length != extent) return false;
+    }
+    while (d < p.levels && p.runs[d].length == 1) d++;
+    return d == p.levels;
+}
+
+void asgnMdmRef(double *to, const MultidimPlaces &p, const Matrix *value) {
+    Source<double> source;
+    openSource(source, value);
+    p.walk([&](uint32_t k, uint32_t place) { to[place] = source(k); });
+    closeSource(source);
+}
+
+// The imaginary parts of a complex value, or 0 for all places.
+void asgnMdmImag(double *to, const MultidimPlaces &p, const Matrix *value) {
+    if (value->l2type == L2::CMDM) {
+        const double *from = value->rdata + value->length;
+        p.walk([=](uint32_t k, uint32_t place) { to[place] = from[k]; });
+        return;
+    }
+    const bool complex = value->l2type == L2::CS || value->l2type == L2::CM;
+    asgnMdmRef(to, p, complex ? value->im() : theFalseMat());
+}
+
+void asgnMdmReal(double *to, const MultidimPlaces &p, const Matrix *value) {
+    if (value->l2type == L2::CMDM)
+        p.walk([=, from = value->rdata](uint32_t k, uint32_t place) { to[place] = from[k]; });
+    else
+        asgnMdmRef(to, p, value->l2type == L2::CS || value->l2type == L2::CM ? value->re() : value);
+}
+
+bool isComplexValue(const Matrix *m) {
+    return m->l2type == L2::CS || m->l2type == L2::CM || m->l2type == L2::CMDM;
+}
+
+Matrix *toComplexMultidim(const Matrix *m) {
+    Matrix *complex = dupCMDM(m);
+    std::copy_n(m->rdata, m->length, complex->rdata);
+    std::fill_n(complex->rdata + m->length, m->length, 0.0);
+    return complex;
+}
+
+}  // namespace
+
+Matrix *storeMultidim(Matrix *m, const MultidimPlaces &places, Matrix *value, PcNode *node) {
+    if (!isNumeric(value->l2type) && !isMultidim(value)) error_ref3asgn(node, true);
+    if (value->length != 1 && !hasLengths(places, value)) error_ref3asgn_size_nomatch(node);
+    const bool plain = !isRealLike(value->l2type) || hasPlainElements(value->l2type);
+    Matrix *source = plain ? value : convToDb(value);
+    if (m->l2type == L2::RMDM && isComplexValue(source)) m = toComplexMultidim(m);
+    asgnMdmReal(m->rdata, places, source);
+    if (m->l2type == L2::CMDM) asgnMdmImag(m->rdata + m->length, places, source);
+    if (!plain) releaseMat(source);
+    return m;
+}
 
 }  // namespace vesko

@@ -2,10 +2,10 @@
 #pragma once
 
 #include "operators/index_walk.h"
+#include "values/containers.h"
 
 namespace vesko {
 
-struct Vector;
 struct PcNode;
 
 // The runs and the values that they read are temporaries of the pool: open the places, walk, close.
@@ -42,7 +42,16 @@ private:
     }
 };
 
-MultidimPlaces openPlaces(const Vector *extents, PcNode *indices);
+inline Vector *extentsOf(const Matrix *m) { return static_cast<Vector *>(m->vdata); }
+inline bool isMultidim(const Matrix *m) { return m->l2type == L2::RMDM || m->l2type == L2::CMDM; }
+
+// `values` is the list of the evaluated indices, as many as there are extents. Each is checked against its
+// extent; errors are reported against the nodes of the indices.
+MultidimPlaces openPlaces(const Vector *extents, const Matrix *values, PcNode *indices);
 void closePlaces(const MultidimPlaces &places);
+
+// Stores into the places of a multidimensional matrix, which is returned; a new one for a complex value in a
+// real matrix.
+Matrix *storeMultidim(Matrix *m, const MultidimPlaces &places, Matrix *value, PcNode *node);
 
 }  // namespace vesko

@@ -146,6 +146,12 @@ Matrix *getMatRef(PcNode *node) {
     return releaseBehind(matRefAt(m, index, node, node->child(1)), index);
 }
 
+Matrix *getMatVecComponent(Matrix *m, uint32_t k) {
+    if (isList(m->l2type)) return m->entries()[k];
+    const IndexedPlaces where{IndexForm::Flat, IndexRun::spaced(1, k + 1.0, 0), {}, k + 1, 0};
+    return takePlaces(m, where, 1, 1, nullptr);
+}
+
 // ---- Two indices
 
 namespace {

@@ -7,7 +7,7 @@
 #include "numerics/dense.h"
 #include "operators/dispatch.h"
 #include "operators/growth.h"
-#include "values/elements.h"
+#include "operators/index_source.h"
 
 namespace vesko {
 
@@ -36,67 +36,11 @@ void checkSize(const Matrix *value, const IndexedPlaces &where, PcNode *node) {
     if (!fits(value, where)) refuseSize(where, node);
 }
 
-// ---- The value as elements of the target's type
-
-template <class T>
-struct Source {
-    const T *at;
-    uint32_t stride;  // 0: one element for all places
-    T one;
-    Matrix *scratch;  // holds converted elements, or null
-};
-
-double *elementsOf(const Matrix *m, double *) { return m->rdata; }
-int32_t *elementsOf(const Matrix *m, int32_t *) { return m->ints(); }
-uint8_t *elementsOf(const Matrix *m, uint8_t *) { return m->bytes(); }
-
-Matrix *newElements(uint32_t n, double *) { return allocRealMat(n, 1, n); }
-Matrix *newElements(uint32_t n, int32_t *) { return newIntMat(1, n); }
-Matrix *newElements(uint32_t n, uint8_t *) { return newByteMat(1, n); }
-
-bool holds(const Matrix *m, const double *) {
-    return hasPlainElements(m->l2type) && m->l2type >= L2::RM && m->l2type != L2::BY && m->l2type != L2::BI;
-}
-bool holds(const Matrix *m, const int32_t *) { return m->l2type == L2::IM || m->l2type == L2::IS; }
-bool holds(const Matrix *m, const uint8_t *) {
-    return m->l2type == L2::BY || m->l2type == L2::BI || m->l2type == L2::TX;
-}
-
-template <class T>
-void readElements(T *to, const Matrix *value) {
-    if (value->l2type == L2::TX)
-        convertRun(to, value->bytes(), value->length);
-    else
-        copyElements(to, value, 0, value->length);
-}
-
-// The source refers to itself when it holds a single element, so it is made where it stays.
-template <class T>
-void openSource(Source<T> &source, const Matrix *value) {
-    T *const type = nullptr;
-    source = {nullptr, value->length == 1 ? 0u : 1u, T{}, nullptr};
-    if (value->length == 1) {
-        readElements(&source.one, value);
-        source.at = &source.one;
-    } else if (holds(value, type)) {
-        source.at = elementsOf(value, type);
-    } else {
-        source.scratch = newElements(value->length, type);
-        readElements(elementsOf(source.scratch, type), value);
-        source.at = elementsOf(source.scratch, type);
-    }
-}
-
-template <class T>
-void closeSource(const Source<T> &source) {
-    if (source.scratch) releaseMat(source.scratch);
-}
+// ---- The loops
 
 template <class T>
 void scatter(T *to, uint32_t ncols, const IndexedPlaces &where, const Source<T> &source) {
-    where.walk(ncols, [=, from = source.at, stride = source.stride](uint32_t k, uint32_t place) {
-        to[place] = from[size_t{k} * stride];
-    });
+    where.walk(ncols, [=](uint32_t k, uint32_t place) { to[place] = source(k); });
 }
 
 // ---- Growth
@@ -127,7 +71,7 @@ Matrix *storeElements(Matrix *&slot, const IndexedPlaces &where, const Matrix *v
     Source<T> source;
     openSource(source, value);
     Matrix *m = growToPlaces(slot, where);
-    scatter(elementsOf(m, static_cast<T *>(nullptr)), m->ncols, where, source);
+    scatter(elementsOf<T>(m), m->ncols, where, source);
     closeSource(source);
     return m;
 }
@@ -137,8 +81,7 @@ Matrix *storeBits(Matrix *&slot, const IndexedPlaces &where, const Matrix *value
     Source<uint8_t> source;
     openSource(source, value);
     Matrix *m = growToPlaces(slot, where);
-    where.walk(m->ncols, [to = m->bytes(), from = source.at, stride = source.stride](
-                             uint32_t k, uint32_t place) { to[place] = from[size_t{k} * stride] & 1; });
+    where.walk(m->ncols, [&, to = m->bytes()](uint32_t k, uint32_t place) { to[place] = source(k) & 1; });
     closeSource(source);
     return m;
 }
@@ -166,7 +109,7 @@ Matrix *storeText(Matrix *&slot, const IndexedPlaces &where, const Matrix *value
     Source<uint8_t> source;
     openSource(source, value);
     for (uint32_t k = 0; k < value->length; k++)
-        if (source.at[k] == 0) error_zero_string_character(node);
+        if (source(k) == 0) error_zero_string_character(node);
     Matrix *m = txmAddLen(slot, where.max_row > slot->length ? where.max_row : slot->length);
     scatter(m->bytes(), m->ncols, where, source);
     closeSource(source);
@@ -195,7 +138,7 @@ Matrix *storeSymmetric(Matrix *m, const IndexedPlaces &where, const Matrix *valu
     Source<double> source;
     openSource(source, value);
     where.walk(m->ncols, [&, to = m->rdata, n = m->ncols](uint32_t k, uint32_t place) {
-        to[place] = to[place % n * n + place / n] = source.at[size_t{k} * source.stride];
+        to[place] = to[place % n * n + place / n] = source(k);
     });
     closeSource(source);
     return m;
