@@ -51,7 +51,8 @@ static bool goesByElements(Arith op) { return op != Arith::Mpy && op != Arith::D
 Matrix *multidimPair(Arith op, Matrix *a, Matrix *b, PcNode *node) {
     const bool left = isMultidim(a), right = isMultidim(b);
     if (left && right) {
-        if (!goesByElements(op)) error_undef_opr2(node);
+        if (!goesByElements(op))
+            return op == Arith::Dvd ? noQuotient(op, a, b, node) : undefined(op, a, b, node);
         if (!sameDims(a, b)) error_size_nomatch(node);
     } else if ((left ? b : a)->length != 1) {
         error_undef_opr2(node);

@@ -6,6 +6,7 @@
 #include "engine/calls.h"
 #include "engine/errors.h"
 #include "engine/interrupt.h"
+#include "engine/pins.h"
 #include "operators/ladder.h"
 #include "values/containers.h"
 #include "values/convert.h"
@@ -132,10 +133,20 @@ Matrix *functionAlgebra(Arith, Matrix *, Matrix *, PcNode *node) {
     error_not_built(node, "function algebra");
 }
 
-static Matrix *callFunction(Matrix *f, Matrix *argument, PcNode *node) {
+static Matrix *callPinned(Matrix *f, Matrix *argument, PcNode *node) {
     if (f->l2type == L2::BF) return callBf(f->builtin(), argument, node);
     const bool spreads = isList(argument->l2type) || argument->l2type == L2::NUL;
     return spreads ? callUfByList(f->func(), argument, node) : callUfByMat(f->func(), argument, node);
+}
+
+// The call may change the variables that hold the function and the argument.
+static Matrix *callFunction(Matrix *f, Matrix *argument, PcNode *node) {
+    pinMat(f);
+    pinMat(argument);
+    Matrix *result = callPinned(f, argument, node);
+    unpinMat();
+    unpinMat();
+    return result;
 }
 
 Matrix *functionProduct(Arith op, Matrix *a, Matrix *b, PcNode *node) {
