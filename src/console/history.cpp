@@ -53,23 +53,27 @@ static const Vsline *following(const Vsline *line) {
     return nextTextLine(line == vscr.cmdlast ? nullptr : line->next);
 }
 
-static void copyLine(HistoryEntry *entry, const Vsline *line) {
+// The text of a line and a NUL, put at `to`; what follows it.
+static char *copyLine(HistoryEntry *entry, const Vsline *line, char *to) {
     uint32_t length = line->length - prompt_width;
-    auto *text = static_cast<char *>(newMem(length + 1, nullptr, free_cmdhist_mempod, entry->mempod));
-    std::memcpy(text, line->text + prompt_width, length);
-    text[length] = 0;
-    addElement(entry->lines, text);
+    std::memcpy(to, line->text + prompt_width, length);
+    to[length] = 0;
+    addElement(entry->lines, to);
+    return to + length + 1;
 }
 
 void writeCmdHist() {
     if (vscr.histdone || !vscr.cmdfirst) return;
     uint32_t nlines = 0;
-    for (const Vsline *line = nextTextLine(vscr.cmdfirst); line; line = following(line)) ++nlines;
+    size_t size = 0;
+    for (const Vsline *line = nextTextLine(vscr.cmdfirst); line; line = following(line), ++nlines)
+        size += line->length - prompt_width + 1;
     if (nlines == 0) return;
     if (!cmdhist.head) makeSentinels();
     HistoryEntry *entry = getNewCb(nlines);
+    auto *text = static_cast<char *>(newMem(size, nullptr, free_cmdhist_mempod, entry->mempod));
     for (const Vsline *line = nextTextLine(vscr.cmdfirst); line; line = following(line))
-        copyLine(entry, line);
+        text = copyLine(entry, line, text);
     entry->prev = cmdhist.tail->prev;
     entry->next = cmdhist.tail;
     entry->prev->next = entry;

@@ -41,14 +41,6 @@ static Vsline *allocLine() {
     return line;
 }
 
-static bool inCommand(const Vsline *line) {
-    for (const Vsline *l = vscr.cmdfirst; l; l = l->next) {
-        if (l == line) return true;
-        if (l == vscr.cmdlast) break;
-    }
-    return false;
-}
-
 // A line whose head was recycled takes its part.
 static void promoteFollower(Vsline *line, LineKind recycled) {
     if (!line) return;
@@ -60,10 +52,10 @@ static void promoteFollower(Vsline *line, LineKind recycled) {
     }
 }
 
-// The oldest line that nothing refers to, taken out of the list; null if there is none.
+// The oldest line above the command that nothing refers to, taken out of the list; null if there is none.
 static Vsline *recycleOldest() {
-    for (Vsline *line = vscr.head; line; line = line->next) {
-        if (line == vscr.tail || line == vscr.top || line == vscr.current || inCommand(line)) continue;
+    for (Vsline *line = vscr.head; line && line != vscr.cmdfirst; line = line->next) {
+        if (line == vscr.tail || line == vscr.top || line == vscr.current) continue;
         promoteFollower(line->next, line->kind);
         unlinkLine(line);
         return line;

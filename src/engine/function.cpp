@@ -44,7 +44,7 @@ static void freeFuncRecData(FuncRecData *data) {
     freeVector(data->ctvars, freeCtVar);
     recyclePcLib(data->pclib);
     recycleSMPcLib(data->smpclib);
-    freemempod = mergeMemPods(freemempod, data->mempod);
+    freemempod = mergeMemPods(data->mempod, freemempod);
     m_free(data, sizeof(FuncRecData));
 }
 

@@ -33,7 +33,7 @@ static void growPcLib() {
 static PcNode **newCubArray(uint32_t ncub) {
     if (ncub == 0) return nullptr;
     size_t size = std::bit_ceil(ncub) * sizeof(PcNode *);
-    return static_cast<PcNode **>(newMem(size, nullptr, freemempod, ctscope->mempod));
+    return static_cast<PcNode **>(newScopeMem(size));
 }
 
 // A node of the given library, with the place in the source and its file.

@@ -4,20 +4,17 @@
 #include <bit>
 #include <cstring>
 
+#include "frontend/arena.h"
 #include "frontend/pool.h"
-#include "values/memory.h"
 
 namespace vesko {
 
 static ParsePool<InstNode> inst_pool;
-static Pod *inst_pods, *free_inst_pods;
+static Arena inst_arena;
 
 void recycleInstLib() {
     inst_pool.recycleAll();
-    if (!inst_pods) return;
-    Pod *pods = inst_pods;
-    inst_pods = nullptr;
-    free_inst_pods = mergeMemPods(free_inst_pods, pods);
+    inst_arena.recycleAll();
 }
 
 // Arrays have room for a power of two, and at least four, so that ncub alone tells when one is full.
@@ -25,7 +22,7 @@ constexpr uint32_t least_room = 4;
 
 static InstNode **newCubArray(uint32_t ncub) {
     uint32_t room = ncub <= least_room ? least_room : std::bit_ceil(ncub);
-    return static_cast<InstNode **>(newMem(room * sizeof(InstNode *), nullptr, free_inst_pods, inst_pods));
+    return static_cast<InstNode **>(inst_arena.take(room * sizeof(InstNode *)));
 }
 
 InstNode *newInstNode(InstId id, Token *token, uint32_t ncub) {

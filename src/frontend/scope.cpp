@@ -77,7 +77,7 @@ static void dropNodes(CtScope *scope) {
     scope->mempod = nullptr;
     recyclePcLib(nodes);
     recycleSMPcLib(constants);
-    if (pods) freemempod = mergeMemPods(freemempod, pods);
+    if (pods) freemempod = mergeMemPods(pods, freemempod);
     freeInterrupt();
 }
 

@@ -32,12 +32,12 @@ void updateCurrentFile(Matrix *name, std::FILE *stream);  // pushes; links the n
 void changeCurrentFileBack();                             // pops; the console stays
 void resetFileList();                                     // back to the console
 const char *getCurrentFileName();
-uint32_t getCurrLineNum();  // counted from 1
-int readch();               // from the file or the console: bytes of a file are signed
-int getExtraCh();           // takes the character pushed back last
-void setExtraCh(int c);     // at most three wait; a NUL discards them
-int nextChar();             // getExtraCh, or else readch
-bool consoleEnded();        // the console has no more lines
+uint32_t getCurrLineNum();           // counted from 1
+int readch();                        // from the file or the console: bytes of a file are signed
+int getExtraCh();                    // takes the character pushed back last
+void setExtraCh(int c);              // at most three wait; a NUL discards them
+int nextChar();                      // getExtraCh, or else readch
+bool consoleEnded();                 // the console has no more lines
 void countConsoleLines(uint32_t n);  // lines of the console that were left unread
 
 }  // namespace vesko

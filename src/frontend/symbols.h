@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "engine/node.h"
+#include "frontend/arena.h"
 #include "values/containers.h"
 
 namespace vesko {
@@ -64,7 +65,8 @@ struct CtScope {
     PcNode *pclib, *smpclib;
     PcNode *returnnode;  // target of return; may be null
     Pod *mempod;         // children arrays
-    bool usesparent;     // the text assigns to a field of parent
+    Carver carver;
+    bool usesparent;  // the text assigns to a field of parent
     uint32_t loopdepth, blockdepth;
     uint32_t nin, nout;
     CtScope *parent;
@@ -74,6 +76,9 @@ struct CtScope {
 extern CtScope *ctscope;       // the current one
 extern uint32_t progstkdepth;  // scopes open above the top one
 extern Pod *freemempod;        // free pods of all scopes
+
+// Memory that lives as long as the nodes of the present scope.
+inline void *newScopeMem(size_t size) { return carve(size, ctscope->carver, freemempod, ctscope->mempod); }
 
 // A scope for a function or automaton inside the present one; it takes the parameters over. What the code
 // that was compiled keeps is taken out of the scope before it is left. A parse error closes scopes through

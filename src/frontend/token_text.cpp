@@ -1,7 +1,6 @@
 // Values of tokens: numbers from their texts, strings with their escapes, and the errors of the parse.
 #include "frontend/token_text.h"
 
-#include <bit>
 #include <charconv>
 #include <cstdarg>
 #include <cstdio>
@@ -10,9 +9,9 @@
 
 #include "console/command.h"
 #include "console/message.h"
+#include "frontend/arena.h"
 #include "frontend/parser.h"
 #include "frontend/source.h"
-#include "values/memory.h"
 
 namespace vesko {
 
@@ -45,21 +44,12 @@ void tokenError(const char *format, ...) {
 
 void syntaxTooDeep() { parseError("Error: recursion depth is too deep"); }
 
-// ---- Texts live until the next command. Sizes are rounded up so that the same pods serve again.
+// ---- Texts live until the next command.
 
-static Pod *text_pods, *free_text_pods;
+static Arena text_arena;
 
-static char *newText(size_t size) {
-    size_t rounded = std::bit_ceil(size < 32 ? size_t{32} : size);
-    return static_cast<char *>(newMem(rounded, nullptr, free_text_pods, text_pods));
-}
-
-void recycleTexts() {
-    if (!text_pods) return;
-    Pod *pods = text_pods;
-    text_pods = nullptr;
-    free_text_pods = mergeMemPods(free_text_pods, pods);
-}
+static char *newText(size_t size) { return static_cast<char *>(text_arena.take(size)); }
+void recycleTexts() { text_arena.recycleAll(); }
 
 char *xstringCopy(const char *text) {
     size_t size = std::strlen(text) + 1;
