@@ -198,8 +198,12 @@ static void showListOnOneLine(const Matrix *m) {
 
 static void showValue(Matrix *m);
 
+// Every line of an entry is indented by its level, so the depth is limited here, not by the machine stack.
+constexpr uint32_t deepest_level = 1000;
+
 template <class F>
 static void showEntries(uint32_t n, F entryAt) {
+    if (disp_level == deepest_level) error_recursion_too_deep();
     showLine("(");
     disp_level++;
     for (uint32_t i = 0; i < n; i++) showValue(entryAt(i));
