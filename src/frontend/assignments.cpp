@@ -1,5 +1,6 @@
 // Assignments and steps: stores to variables with their domains, to places and to several targets, the
 // compound forms, ++ and --.
+#include "builtins/bfunc.h"
 #include "engine/handlers.h"
 #include "frontend/builders.h"
 #include "frontend/parser.h"
@@ -47,7 +48,8 @@ PcNode *buildPreStep(Opr op, Token *right) {
         return target;
     }
     PcNode *node = newStepNode(target, op);
-    if (target->kind == Opr::Ref) node->exec = op == Opr::PreInc ? doMatRefPreIncOutput : doMatRefPreDecOutput;
+    if (target->kind == Opr::Ref)
+        node->exec = op == Opr::PreInc ? doMatRefPreIncOutput : doMatRefPreDecOutput;
     return node;
 }
 
@@ -96,20 +98,33 @@ static bool isCounterOfDomain(const PcNode *value, const CtVar *var) {
     return counter->hasKnownDomain() && counter->domain == var->domain;
 }
 
+// The operand of a product stands in a list node.
+static PcNode *unwrapped(PcNode *node) {
+    return node->kind == Opr::List && node->ncub == 1 ? node->child(0) : node;
+}
+
+// Arithmetic on real scalars gives a real scalar.
+static bool yieldsRealScalar(PcNode *node) {
+    guardParse();
+    switch (node->kind) {
+        case Opr::Sum:
+        case Opr::Sub:
+        case Opr::Product:
+        case Opr::Slash:
+            return yieldsRealScalar(unwrapped(node->child(1))) && yieldsRealScalar(node->child(0));
+        default: return is_ds_node(node);
+    }
+}
+
 static bool needsDomainCheck(PcNode *value, const CtVar *var) {
     if (var->isFree() || isCounterOfDomain(value, var)) return false;
-    bool tested_now =
-        value->isConstant() && var->hasKnownDomain() && memberOfSet(value->constant, var->domain, value) != 0;
-    return !tested_now;
+    if (!var->hasKnownDomain()) return true;
+    if (value->isConstant()) return memberOfSet(value->constant, var->domain, value) == 0;
+    return var->domain != Class_D || value->kind == Opr::Variable || !yieldsRealScalar(value);
 }
 
 static bool readsVariable(const PcNode *node, int32_t k) {
     return node->kind == Opr::Variable && node->value == k;
-}
-
-// The operand of a product stands in a list node.
-static PcNode *unwrapped(PcNode *node) {
-    return node->kind == Opr::List && node->ncub == 1 ? node->child(0) : node;
 }
 
 static Opr compoundOf(Opr op) {
@@ -123,20 +138,19 @@ static Opr compoundOf(Opr op) {
 }
 
 // `x = x + e` becomes `x += e`, and so do the other three operators. `x = e + x` too, with its operands in
-// order.
-static bool foldIntoCompound(PcNode *node) {
+// order. In a domain only the forms for real scalars need no test.
+static bool foldIntoCompound(PcNode *node, const CtVar *var) {
     PcNode *value = node->child(0);
     Opr op = compoundOf(value->kind);
     if (op == Opr::None) return false;
-    if (readsVariable(value->child(0), node->value)) {
-        setPcCub(node, 0, unwrapped(value->child(1)));
-        setOpr(node, op);
-        return true;
-    }
-    if (op != Opr::AddAsgn || !readsVariable(value->child(1), node->value)) return false;
-    setPcCub(node, 0, value->child(0));
+    bool first = readsVariable(value->child(0), node->value);
+    bool second = op == Opr::AddAsgn && readsVariable(value->child(1), node->value);
+    if (!first && !second) return false;
+    PcNode *operand = unwrapped(value->child(first ? 1 : 0));
+    if (!var->isFree() && !is_ds_node(operand)) return false;
+    setPcCub(node, 0, operand);
     setOpr(node, op);
-    node->exec = addAsgnBefore;
+    if (!first && var->isFree()) node->exec = addAsgnBefore;
     return true;
 }
 
@@ -146,11 +160,12 @@ static PcNode *assignVariable(const Token *name, PcNode *value) {
         syntaxError(name->line, "attempt to change protected variable '%s'", getSymbolName(name->symbol));
     }
     PcNode *node = newVarStoreNode(k, copyIfProtected(value));
-    if (needsDomainCheck(value, getCtVar(k))) {
+    const CtVar *var = getCtVar(k);
+    if (needsDomainCheck(value, var)) {
         node->exec = doVarAsgnChkDomain;
-        return node;
+    } else if (!foldIntoCompound(node, var)) {
+        setOpr(node, Opr::VarAsgn);
     }
-    if (!foldIntoCompound(node)) setOpr(node, Opr::VarAsgn);
     return node;
 }
 

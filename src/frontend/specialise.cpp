@@ -13,10 +13,13 @@ namespace vesko {
 
 // ---- What is known of a node ---------------------------------------------------------------------
 
-bool is_ds_var_node(const PcNode *node) {
-    if (node->kind != Opr::Variable) return false;
-    const CtVar *var = getCtVar(static_cast<uint32_t>(node->value));
+static bool holdsRealScalars(int32_t variable) {
+    const CtVar *var = getCtVar(static_cast<uint32_t>(variable));
     return var->hasKnownDomain() && var->domain == Class_D;
+}
+
+bool is_ds_var_node(const PcNode *node) {
+    return node->kind == Opr::Variable && holdsRealScalars(node->value);
 }
 
 bool is_ds_const_node(const PcNode *node) { return node->isConstant() && node->constant->l2type == L2::RS; }
@@ -52,11 +55,6 @@ static const VariableFast variable_fast[] = {
     {Opr::PreInc, nullptr, nullptr, doVarPreInc_D},   {Opr::PreDec, nullptr, nullptr, doVarPreDec_D},
     {Opr::PostInc, nullptr, nullptr, doVarPostInc_D}, {Opr::PostDec, nullptr, nullptr, doVarPostDec_D},
 };
-
-static bool holdsRealScalars(int32_t variable) {
-    const CtVar *var = getCtVar(static_cast<uint32_t>(variable));
-    return var->hasKnownDomain() && var->domain == Class_D;
-}
 
 static ExecFn fastHandler(const VariableFast &fast, const PcNode *node) {
     if (fast.alone) return fast.alone;
