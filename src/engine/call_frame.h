@@ -1,5 +1,6 @@
 // The frame protocol that every call of a user function follows.
 //
+// 0. The caller sees to it that the function object stays: a value in flight is pinned, a record is held.
 // 1. The arguments are evaluated in the caller's frame.
 // 2. openFrame readies the frame above, and giveSlot stores the arguments in its slots 1, 2, ...: the values
 //    themselves, uncopied. Each slot takes a link over; what the callee stores un-shares.
@@ -22,9 +23,7 @@ namespace vesko {
 template <bool may_grow = true>
 inline FuncFrame *openFrame(const FuncRecData *data) {
     FuncFrame *frame = getNextFunc();
-    if constexpr (may_grow) {
-        if (frame->vars->cap < data->ctvars->size) growVarList(frame->vars, data->ctvars->size);
-    }
+    if (may_grow && frame->vars.cap < data->nslots) growVarList(frame->vars, data->nslots);
     return frame;
 }
 
@@ -40,23 +39,43 @@ inline void giveDefaults(FuncFrame *frame, const FuncRecData *data, uint32_t k) 
     for (; k <= data->nargs; k++) giveSlot(frame, k, data->ctvars->at<CtVar>(k)->value);
 }
 
-// Gives the link of a holder back: the value is a temporary if nobody else holds it.
-inline Matrix *takeOut(Matrix *m) {
-    m->status -= 2;
-    if (m->isTemp()) noteForSweep(m);
-    return m;
-}
-
 inline void runStatements() {
     while (PcNode *pc = top->pc) pc->exec(pc);
+}
+
+// Empties the slots from `first` on, as clearSlot does each.
+inline void clearSlots(Variable *first, const Variable *end) {
+    uint32_t emptied = 0;
+    for (Variable *var = first; var < end; var++) {
+        if (Matrix *value = var->value; value != theEmptyMat()) {
+            var->value = theEmptyMat();
+            emptied++;
+            orderStores();
+            ucReleaseMat(value);
+        }
+        if (var->domain) [[unlikely]]
+            clearSlot(var);
+    }
+    theEmptyMat()->status += 2 * emptied;
+}
+
+// Takes the value out of a slot, which is left empty.
+inline Matrix *takeSlot(Variable *var) {
+    Matrix *value = var->value;
+    linkMat(theEmptyMat());
+    var->value = theEmptyMat();
+    if (var->domain) [[unlikely]]
+        clearSlot(var);
+    orderStores();
+    return detachMat(value);
 }
 
 template <bool has_outputs>
 inline Matrix *runCall(FuncRec *f, FuncFrame *frame, Matrix *parent) {
     guardStack();
     const FuncRecData *data = f->data;
+    FuncFrame *caller = top;
     if (parent) linkMat(parent);
-    f->running++;
     frame->func = f;
     frame->pc = data->entry;
     frame->parent = parent;
@@ -64,31 +83,18 @@ inline Matrix *runCall(FuncRec *f, FuncFrame *frame, Matrix *parent) {
     enterFrame(frame, depth + 1);
     runStatements();
 
-    for (uint32_t k = 1, n = data->ctvars->size; k < n; k++) clearSlot(frame->var(k));
-    Matrix *result = theEmptyMat();
-    if constexpr (has_outputs) {
-        Variable *out = frame->var(0);
-        result = out->value;
-        linkMat(theEmptyMat());
-        out->value = theEmptyMat();
-        if (Matrix *domain = out->domain) [[unlikely]] {
-            out->domain = nullptr;
-            ucReleaseMat(domain);
-        }
-        orderStores();
-        takeOut(result);
-    }
+    Variable *slots = frame->vars.slots;
+    clearSlots(slots + 1, slots + data->nslots);
+    Matrix *result = has_outputs ? takeSlot(slots) : theEmptyMat();
     if (frame->status) [[unlikely]]
         retireFrame(frame);
     if (parent) {
         frame->parent = nullptr;
         orderStores();
-        takeOut(parent);
+        detachMat(parent);
     }
     orderStores();
-    enterFrame(funcvec[depth - 1], depth - 1);
-    orderStores();
-    leaveFuncRec(f);
+    enterFrame(caller, depth - 1);
     return result;
 }
 

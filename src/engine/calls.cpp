@@ -6,6 +6,7 @@
 #include "engine/call_frame.h"
 #include "engine/handlers.h"
 #include "operators/dispatch.h"
+#include "operators/operands.h"
 
 namespace vesko {
 
@@ -33,13 +34,15 @@ Matrix *callUf(FuncRec *f, PcNode *node, Matrix *parent) {
         return runCall<has_outputs>(f, frame, parent);
     } else {
         // A later argument may change the variable that holds an earlier one.
-        for (unsigned k = 0; k + 1 < n; k++) pinMat(node->eval(k));
-        Matrix *last = n ? node->eval(n - 1) : nullptr;
+        for (unsigned k = 0; k + 1 < n; k++) pinMat(evalOperand(node->child(k)));
+        Matrix *last = n ? evalOperand(node->child(n - 1)) : nullptr;
         FuncFrame *frame = openFrame<may_grow>(f->data);
-        if constexpr (n != 0) giveSlot(frame, n, last);
-        for (unsigned k = n - 1; n > 1 && k > 0; k--) {
-            giveSlot(frame, k, pinned[npinned - 1]);
-            unpinMat();
+        if constexpr (n != 0) {
+            linkMat(last);
+            frame->var(n)->value = last;
+            for (unsigned k = 1; k < n; k++) frame->var(k)->value = pinned[npinned - n + k];
+            npinned -= n - 1;
+            theEmptyMat()->status -= 2 * n;
         }
         return runCall<has_outputs>(f, frame, parent);
     }
@@ -88,7 +91,8 @@ CALL_FORMS(7)
 }  // namespace
 
 void setFuncExe(FuncRecData *data) {
-    unsigned i = (data->ctvars->size > n_ready_slots ? 1 : 0) + (data->hasOutputs() ? 2 : 0);
+    data->nslots = data->ctvars->size;
+    unsigned i = (data->nslots > n_ready_slots ? 1 : 0) + (data->hasOutputs() ? 2 : 0);
     CallFn exact1 = callUf_1_1[i], exact2 = callUf_2_2[i], exact3 = callUf_3_3[i], listed = callUf_7_7[i];
     CallFn none = callUfError;
     switch (data->nargs) {

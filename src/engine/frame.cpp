@@ -15,7 +15,7 @@ FuncFrame **funcvec;
 int32_t fvcap;
 int32_t depth;
 FuncFrame *top;
-Variable **topvarvec;
+Variable *topvarvec;
 
 static int32_t funcvec_room;  // entries that funcvec has memory for; the first fvcap are frames
 
@@ -29,7 +29,7 @@ static void resizeFuncVec(int32_t room) {
 }
 
 static void walkSlots(const FuncFrame *frame) {
-    for (uint32_t k = 0; k < frame->vars->cap; k++) auditVariable(frame->var(k));
+    for (uint32_t k = 0; k < frame->vars.cap; k++) auditVariable(frame->var(k));
     auditLink(frame->parent);
 }
 
@@ -47,6 +47,8 @@ void initFuncStack() {
         funcvec[fvcap] = newFunction(0);
         fvcap++;
     }
+    freeVarList(funcvec[0]->vars);
+    funcvec[0]->vars = newTopVarList();
     enterFrame(funcvec[0], 0);
 }
 
@@ -58,8 +60,7 @@ FuncFrame *newFunction(uint32_t n) {
 }
 
 void destroyFunction(FuncFrame *frame) {
-    frame->vars->size = frame->vars->cap;
-    freeVector(frame->vars, freeVar);
+    freeVarList(frame->vars);
     m_free(frame, sizeof(FuncFrame));
 }
 
@@ -88,11 +89,11 @@ FuncRec *getTopFuncRec() { return top ? top->func : nullptr; }
 // between the storing of the arguments and the entry of the function.
 static void abandonFrame(FuncFrame *frame) {
     retireFrame(frame);
-    for (uint32_t k = 0; k < frame->vars->cap; k++) clearSlot(frame->var(k));
-    frame->vars->size = 0;
+    for (uint32_t k = 0; k < frame->vars.cap; k++) clearSlot(frame->var(k));
+    frame->vars.size = 0;
     if (Matrix *parent = frame->parent) {
         frame->parent = nullptr;
-        parent->status -= 2;
+        detachMat(parent);
     }
 }
 
@@ -102,17 +103,13 @@ static void abandonFramesAbove(int32_t d, bool keep_automatons) {
     int32_t last = depth + 1 < fvcap ? depth + 1 : depth;
     for (int32_t k = last; k > d; k--) {
         FuncFrame *frame = funcvec[k];
-        if (FuncRec *func = frame->func; func && k <= depth) {
-            frame->func = nullptr;
-            leaveFuncRec(func);
-        }
         if (!(frame->proc && keep_automatons)) abandonFrame(frame);
     }
     enterFrame(funcvec[d], d);
 }
 
 void dumpFuncStack() {
-    unpinTo(0);
+    unpinTo({0, 0});
     bool in_call = depth != 0;
     if (in_call) xMesg("Call stack:");
     abandonFramesAbove(0, true);

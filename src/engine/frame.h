@@ -1,7 +1,8 @@
 // Call frames, variable slots, and the records of user functions.
 //
 // Frames are made once and reused. Between calls every slot of a frame holds theEmptyMat and no domain: the
-// state the next call relies on.
+// state the next call relies on. The slots of a frame lie side by side, so that reading a variable is one
+// indexed load, and while the frame is in use they never move.
 #pragma once
 
 #include <cstdint>
@@ -32,6 +33,7 @@ struct FuncRecData {
     Matrix *srcfile;  // linked
     uint32_t nargs;
     uint32_t nret_flags;  // outputs, plus mutator_flag if the text assigns to a field of parent
+    uint32_t nslots;      // set by setFuncExe
     Vector *ctvars;       // CtVar of each slot
     PcNode *entry;
     CallFn call0, call1, call2, call3, call7;  // by the number of arguments at the call site
@@ -50,28 +52,34 @@ struct FuncRec {
     int32_t npublic;    // public parameters come first in parms
     Vector *parms;      // sfields; may be null
     uint8_t is_member;  // grants access to private and readonly fields of its class
-    bool dropped;       // its value is gone, and a call of it is still running: the last one frees it
-    uint32_t running;   // calls of it on the stack
+    bool dropped;       // its value is gone, and the runtime still calls it: the last hold frees it
+    uint32_t nholds;    // see holdFunc
     Xclass *owner;      // class it belongs to, or null
 };
 
+// A list of slots: all `cap` of them are sound Variables, `size` are in use.
+struct VarList {
+    Variable *slots;
+    uint32_t size, cap;
+};
+
 struct FuncFrame {
-    FuncRec *func;     // null at top level and in an automaton's frame
-    Xproc *proc;       // null, or the automaton
-    PcNode *pc;        // next statement
-    Vector *vars;      // the slots: all `cap` entries are Variables, `size` are in use
+    FuncRec *func;  // null at top level and in an automaton's frame
+    Xproc *proc;    // null, or the automaton
+    PcNode *pc;     // next statement
+    VarList vars;
     Matrix *parent;    // object, class or function that the call is a member of, linked; or null
     uint32_t *status;  // liveness cell, once an address of a local was taken
 
-    Variable *var(uint32_t k) const { return vars->at<Variable>(k); }
+    Variable *var(uint32_t k) const { return &vars.slots[k]; }
 };
 
 // ---- The stack.
 extern FuncFrame **funcvec;
-extern int32_t fvcap;         // frames that are ready
-extern int32_t depth;         // 0 is the top level
-extern FuncFrame *top;        // funcvec[depth]
-extern Variable **topvarvec;  // entries of top->vars
+extern int32_t fvcap;        // frames that are ready
+extern int32_t depth;        // 0 is the top level
+extern FuncFrame *top;       // funcvec[depth]
+extern Variable *topvarvec;  // slots of top
 
 constexpr uint32_t n_ready_slots = 16;  // slots that every frame has
 constexpr int32_t max_frames = 2048;
@@ -96,7 +104,7 @@ FuncRec *getTopFuncRec();
 inline void enterFrame(FuncFrame *frame, int32_t at) {
     depth = at;
     top = frame;
-    topvarvec = reinterpret_cast<Variable **>(frame->vars->data);
+    topvarvec = frame->vars.slots;
 }
 
 // Empties a slot, as a call finds it: the empty value, no domain. Stores before it releases.
@@ -114,8 +122,8 @@ inline void clearSlot(Variable *var) {
 }
 
 // ---- Variables of the running frame.
-inline Variable *getVar(uint32_t k) { return topvarvec[k]; }
-inline Matrix *getVarMat(uint32_t k) { return topvarvec[k]->value; }
+inline Variable *getVar(uint32_t k) { return &topvarvec[k]; }
+inline Matrix *getVarMat(uint32_t k) { return topvarvec[k].value; }
 uint32_t getVarNum();
 const char *getVarName(uint32_t k);
 Matrix *updVar(uint32_t k, Matrix *m);    // links m, drops the old value; no domain check
@@ -123,9 +131,11 @@ void quickUpdVar(uint32_t k, Matrix *m);  // the old value was detached already
 Matrix *updateVariable(Variable *var, Matrix *m);
 Matrix *updLoopCounter(uint32_t k, Matrix *m);  // gives the variable the domain Class_D if it has none
 void addVar(uint32_t symbol, Matrix *domain);   // new slot of the top frame; domain may be null
-Vector *newVarList(uint32_t n);
-void growVarList(Vector *list, uint32_t n);
-void addToVarList(Vector *list, uint32_t symbol, Matrix *value, Matrix *domain);
+VarList newVarList(uint32_t n);
+VarList newTopVarList();                      // grows in place
+void growVarList(VarList &list, uint32_t n);  // of a frame that is not in use: the slots move
+void addToVarList(VarList &list, uint32_t symbol, Matrix *value, Matrix *domain);  // of the top level
+void freeVarList(VarList &list);
 Variable *newVar(uint32_t symbol, Matrix *m);
 Variable *newLocalVar(Matrix *m);
 void freeVar(void *var);
@@ -135,12 +145,8 @@ void auditVariable(const Variable *var);  // for the audit of links: value and d
 // ---- Function records.
 void setFuncExe(FuncRecData *data);      // chooses call0 to call7
 FuncRec *newFuncRec(FuncRecData *data);  // takes one share of data over
-void freeFuncRec(FuncRec *f);            // later, if a call of it is running
+void freeFuncRec(FuncRec *f);            // put off while it is held
 void auditFuncRec(const FuncRec *f);     // for the audit of links: parameters and code
-inline void leaveFuncRec(FuncRec *f) {
-    if (--f->running == 0 && f->dropped) [[unlikely]]
-        freeFuncRec(f);
-}
 FuncRec *copyFuncRec(const FuncRec *f);
 Matrix *copyUf(Matrix *f);         // own parameters, shared code
 sfield *getParameter(uint32_t k);  // of the running function or automaton

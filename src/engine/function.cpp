@@ -49,7 +49,7 @@ static void freeFuncRecData(FuncRecData *data) {
 }
 
 void freeFuncRec(FuncRec *f) {
-    if (f->running != 0) {
+    if (f->nholds != 0) {
         f->dropped = true;
         return;
     }

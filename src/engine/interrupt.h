@@ -31,7 +31,16 @@ inline void resetInterruptHold() {
 // distance to the end of the machine stack.
 extern char *stack_limit;
 void growMachineStack();  // at start
-inline bool stackLow() { return static_cast<char *>(__builtin_frame_address(0)) < stack_limit; }
+inline bool stackLow() {
+#ifdef __x86_64__
+    // Asking for the frame address would make every guarded function keep a frame pointer.
+    char *here;
+    asm("mov %%rsp, %0" : "=r"(here));
+#else
+    char *here = static_cast<char *>(__builtin_frame_address(0));
+#endif
+    return here < stack_limit;
+}
 [[noreturn]] void error_recursion_too_deep();
 inline void guardStack() {
     if (stackLow()) [[unlikely]]

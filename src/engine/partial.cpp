@@ -91,6 +91,7 @@ Matrix *partial_uf_bf(Matrix *x, Matrix **parms, PcNode *node) {
     FuncRec *f = parms[parm_function]->func();
     const Matrix *holes = parms[parm_holes];
     checkHoleValues(x, holes, node);
+    holdFunc(f);
     pinMat(x);
     FuncFrame *frame = openFrame(f->data);
     spreadList(frame, f->data, parms[parm_args]);
@@ -100,6 +101,7 @@ Matrix *partial_uf_bf(Matrix *x, Matrix **parms, PcNode *node) {
     }
     Matrix *result = runAnyCall(f, frame, nullptr);
     unpinMat();
+    releaseFunc();
     return result;
 }
 

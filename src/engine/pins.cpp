@@ -1,6 +1,8 @@
-// The stack of pins.
+// The stacks of pins.
 #include "engine/pins.h"
 
+#include "engine/frame.h"
+#include "engine/interrupt.h"
 #include "values/audit.h"
 #include "values/memory.h"
 
@@ -9,23 +11,45 @@ namespace vesko {
 Matrix **pinned;
 uint32_t npinned, pincap;
 
+static FuncRec **held;
+static uint32_t nheld, heldcap;
+
+template <class T>
+static void doubleStack(T *&stack, uint32_t &cap) {
+    holdInterrupt();
+    stack = static_cast<T *>(m_realloc(stack, cap * sizeof(T), 2 * size_t{cap} * sizeof(T)));
+    cap *= 2;
+    freeInterrupt();
+}
+
 void initPins() {
-    pincap = 1024;
+    pincap = heldcap = 1024;
     pinned = static_cast<Matrix **>(i_malloc(pincap * sizeof(Matrix *)));
+    held = static_cast<FuncRec **>(i_malloc(heldcap * sizeof(FuncRec *)));
     addHolderWalk("pin", [] {
         for (uint32_t k = 0; k < npinned; k++) auditLink(pinned[k]);
     });
 }
 
-void growPins() {
-    pinned =
-        static_cast<Matrix **>(m_realloc(pinned, pincap * sizeof(Matrix *), 2 * pincap * sizeof(Matrix *)));
-    pincap *= 2;
+void growPins() { doubleStack(pinned, pincap); }
+
+void holdFunc(FuncRec *f) {
+    if (nheld == heldcap) doubleStack(held, heldcap);
+    f->nholds++;
+    held[nheld++] = f;
 }
 
+void releaseFunc() {
+    FuncRec *f = held[--nheld];
+    if (--f->nholds == 0 && f->dropped) freeFuncRec(f);
+}
+
+PinMark markPins() { return {npinned, nheld}; }
+
 // A value that nobody else holds becomes a temporary, for the sweep.
-void unpinTo(uint32_t n) {
-    while (npinned > n) unpinMat();
+void unpinTo(PinMark mark) {
+    while (npinned > mark.values) unpinMat();
+    while (nheld > mark.funcs) releaseFunc();
 }
 
 }  // namespace vesko

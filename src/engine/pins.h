@@ -8,7 +8,7 @@
 
 #include <cstdint>
 
-#include "values/pools.h"
+#include "values/matrix.h"
 
 namespace vesko {
 
@@ -17,8 +17,17 @@ extern uint32_t npinned, pincap;
 
 void initPins();
 void growPins();
-inline uint32_t pinCount() { return npinned; }
-void unpinTo(uint32_t n);  // for recovery points
+
+// A function object that the runtime calls by its record: held until releaseFunc, or until a jump.
+void holdFunc(FuncRec *f);
+void releaseFunc();
+
+// For recovery points.
+struct PinMark {
+    uint32_t values, funcs;
+};
+PinMark markPins();
+void unpinTo(PinMark mark);
 
 inline Matrix *pinMat(Matrix *m) {
     if (npinned == pincap) [[unlikely]]
@@ -29,11 +38,6 @@ inline Matrix *pinMat(Matrix *m) {
 }
 
 // Takes the last pin off: the value is borrowed again, a temporary if nobody else holds it.
-inline Matrix *unpinMat() {
-    Matrix *m = pinned[--npinned];
-    m->status -= 2;
-    if (m->isTemp()) noteForSweep(m);
-    return m;
-}
+inline Matrix *unpinMat() { return detachMat(pinned[--npinned]); }
 
 }  // namespace vesko

@@ -19,12 +19,14 @@ namespace {
 // slots.
 Matrix *callWithValues(FuncRec *f, Matrix *const *values, uint32_t n, Matrix *parent) {
     const FuncRecData *data = f->data;
+    holdFunc(f);
     for (uint32_t k = 0; k < n; k++) pinMat(values[k]);
     FuncFrame *frame = openFrame(data);
     for (uint32_t k = 0; k < n; k++) giveSlot(frame, k + 1, values[k]);
     giveDefaults(frame, data, n + 1);
     Matrix *result = runAnyCall(f, frame, parent);
     for (uint32_t k = 0; k < n; k++) unpinMat();
+    releaseFunc();
     return result;
 }
 
@@ -32,10 +34,7 @@ Matrix *callWithValues(FuncRec *f, Matrix *const *values, uint32_t n, Matrix *pa
 Matrix *callMember(Matrix *f, Matrix *const *values, uint32_t n, Matrix *parent, PcNode *node) {
     if (f->l2type == L2::UF) {
         if (n > f->func()->data->nargs) refuseCount(node, n, f->func()->data->nargs);
-        pinMat(f);
-        Matrix *result = callWithValues(f->func(), values, n, parent);
-        unpinMat();
-        return result;
+        return callWithValues(f->func(), values, n, parent);
     }
     if (n == 1) return getMatProduct(f, values[0], node);
     Matrix *list =
@@ -143,6 +142,7 @@ void giveNamedOrDefault(FuncFrame *frame, uint32_t slot, const CtVar *var, const
 Matrix *callUfByNp(FuncRec *f, PcNode *list, Matrix *parent, PcNode *node) {
     const FuncRecData *data = f->data;
     if (list->ncub > data->nargs) refuseCount(node, list->ncub, data->nargs);
+    holdFunc(f);
     Matrix *values = evalNpArgVec(list);
     uint32_t matched = 0;
     for (uint32_t k = 1; k <= data->nargs; k++)
@@ -153,7 +153,9 @@ Matrix *callUfByNp(FuncRec *f, PcNode *list, Matrix *parent, PcNode *node) {
     for (uint32_t k = 1; k <= data->nargs; k++)
         giveNamedOrDefault(frame, k, data->ctvars->at<CtVar>(k), list, values);
     releaseMat(values);
-    return runAnyCall(f, frame, parent);
+    Matrix *result = runAnyCall(f, frame, parent);
+    releaseFunc();
+    return result;
 }
 
 Matrix *doNpFCall(PcNode *node) {

@@ -1,17 +1,22 @@
 // Variable slots: their lists, the stores that keep the law of links, addresses of locals, and the listing of
 // the top level.
+#include <sys/mman.h>
+
 #include <cstdio>
 #include <cstring>
 
 #include "builtins/bfunc.h"
+#include "console/command.h"
 #include "console/message.h"
 #include "engine/errors.h"
 #include "engine/frame.h"
 #include "engine/handlers.h"
+#include "engine/interrupt.h"
 #include "frontend/symbols.h"
 #include "values/audit.h"
 #include "values/convert.h"
 #include "values/memory.h"
+#include "values/pools.h"
 
 namespace vesko {
 
@@ -38,43 +43,65 @@ void auditVariable(const Variable *var) {
     auditLink(var->domain);
 }
 
-// All entries of a var list exist up to its capacity. So the capacity goes up with each new entry: an
-// allocation that is refused leaves a sound list.
-static void fillVarList(Vector *list, uint32_t ready) {
-    uint32_t cap = list->cap;
-    for (list->cap = ready; list->cap < cap; list->cap++) list->data[list->cap] = newLocalVar(theEmptyMat());
+// The slots of the top level lie in address space of their own, of which only what is used takes memory:
+// there may be addresses of them.
+constexpr uint32_t max_top_slots = 1u << 20;
+
+static void fillSlots(VarList &list, uint32_t cap) {
+    for (; list.cap < cap; list.cap++) {
+        linkMat(theEmptyMat());
+        list.slots[list.cap] = {no_value, theEmptyMat(), nullptr};
+    }
 }
 
-Vector *newVarList(uint32_t n) {
-    Vector *list = newVector(n);
-    fillVarList(list, 0);
-    list->size = 0;
+VarList newVarList(uint32_t n) {
+    VarList list = {mallocArray<Variable>(n), 0, 0};
+    fillSlots(list, n);
     return list;
 }
 
-void growVarList(Vector *list, uint32_t n) {
-    uint32_t ready = list->cap;
-    if (n <= ready) return;
-    extendVectorBuffer(list, n, ready);
-    fillVarList(list, ready);
+VarList newTopVarList() {
+    void *space = mmap(nullptr, max_top_slots * sizeof(Variable), PROT_READ | PROT_WRITE,
+                       MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    if (space == MAP_FAILED) space = i_malloc(max_top_slots * sizeof(Variable));
+    return {static_cast<Variable *>(space), 0, 0};
 }
 
-void addToVarList(Vector *list, uint32_t symbol, Matrix *value, Matrix *domain) {
-    if (list->size == list->cap) growVarList(list, 2 * list->cap);
-    Variable *var = list->at<Variable>(list->size);
+void growVarList(VarList &list, uint32_t n) {
+    if (n <= list.cap) return;
+    holdInterrupt();
+    list.slots =
+        static_cast<Variable *>(m_realloc(list.slots, list.cap * sizeof(Variable), n * sizeof(Variable)));
+    fillSlots(list, n);
+    freeInterrupt();
+}
+
+void freeVarList(VarList &list) {
+    for (uint32_t k = 0; k < list.cap; k++) {
+        clearSlot(&list.slots[k]);
+        theEmptyMat()->status -= 2;
+    }
+    m_free(list.slots, list.cap * sizeof(Variable));
+    list = {};
+}
+
+void addToVarList(VarList &list, uint32_t symbol, Matrix *value, Matrix *domain) {
+    if (list.size == max_top_slots) {
+        saveErrorMesg("Error: too many variables");
+        xAbort(nullptr);
+    }
+    if (list.size == list.cap) fillSlots(list, list.cap + 1);
+    Variable *var = &list.slots[list.size];
     linkMat(value);
     if (domain) linkMat(domain);
     ucReleaseMat(var->value);
     *var = {static_cast<int32_t>(symbol), value, domain};
-    list->size++;
+    list.size++;
 }
 
-void addVar(uint32_t symbol, Matrix *domain) {
-    addToVarList(top->vars, symbol, theEmptyMat(), domain);
-    enterFrame(top, depth);
-}
+void addVar(uint32_t symbol, Matrix *domain) { addToVarList(top->vars, symbol, theEmptyMat(), domain); }
 
-uint32_t getVarNum() { return top->vars->size; }
+uint32_t getVarNum() { return top->vars.size; }
 
 const char *getVarName(uint32_t k) {
     if (top->func) return getSymbolName(top->func->data->ctvars->at<CtVar>(k)->symbol);
@@ -85,15 +112,15 @@ const char *getVarName(uint32_t k) {
 
 Matrix *updateVariable(Variable *var, Matrix *m) { return replaceMat(var->value, m); }
 
-Matrix *updVar(uint32_t k, Matrix *m) { return replaceMat(topvarvec[k]->value, m); }
+Matrix *updVar(uint32_t k, Matrix *m) { return replaceMat(topvarvec[k].value, m); }
 
 void quickUpdVar(uint32_t k, Matrix *m) {
     linkMat(m);
-    topvarvec[k]->value = m;
+    topvarvec[k].value = m;
 }
 
 Matrix *updLoopCounter(uint32_t k, Matrix *m) {
-    Variable *var = topvarvec[k];
+    Variable *var = &topvarvec[k];
     if (!var->domain) {
         linkMat(Class_D);
         var->domain = Class_D;
@@ -105,7 +132,11 @@ Matrix *updLoopCounter(uint32_t k, Matrix *m) {
 
 Matrix *getTreeVariable(PcNode *node) { return getVarMat(static_cast<uint32_t>(node->value)); }
 
-Matrix *copyTreeVariable(PcNode *node) { return cloneMatrix(getVarMat(static_cast<uint32_t>(node->value))); }
+// A running loop counter is a real scalar.
+Matrix *copyTreeVariable(PcNode *node) {
+    Matrix *m = getVarMat(static_cast<uint32_t>(node->value));
+    return m->l1type == L1::RS ? makeRealScalar(*m->rdata) : cloneMatrix(m);
+}
 
 sfield *getParameter(uint32_t k) {
     if (top->proc) error_not_built(nullptr, "automaton");
@@ -182,15 +213,15 @@ static const char *kindText(const Matrix *m) {
 static bool isNamed(const char *name) { return name[0] != '\0' && name[0] != '*'; }
 
 void disp_top_varvec_info() {
-    const Vector *vars = funcvec[0]->vars;
+    const VarList &vars = funcvec[0]->vars;
     int width = 0;
-    for (uint32_t k = 0; k < vars->size; k++) {
-        const char *name = getSymbolName(static_cast<uint32_t>(vars->at<Variable>(k)->name));
+    for (uint32_t k = 0; k < vars.size; k++) {
+        const char *name = getSymbolName(static_cast<uint32_t>(vars.slots[k].name));
         if (isNamed(name) && static_cast<int>(std::strlen(name)) > width)
             width = static_cast<int>(std::strlen(name));
     }
-    for (uint32_t k = 0; k < vars->size; k++) {
-        const Variable *var = vars->at<Variable>(k);
+    for (uint32_t k = 0; k < vars.size; k++) {
+        const Variable *var = &vars.slots[k];
         const char *name = getSymbolName(static_cast<uint32_t>(var->name));
         if (!isNamed(name)) continue;
         char size[32];

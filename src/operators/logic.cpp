@@ -1,5 +1,7 @@
 // The truth of values and of condition nodes, and the node handlers of comparisons and logic operators.
 #include <algorithm>
+#include <functional>
+#include <utility>
 
 #include "engine/handlers.h"
 #include "engine/interrupt.h"
@@ -45,14 +47,18 @@ static inline bool testChildren(PcNode *node, Test test) {
     return truth;
 }
 
-template <const TruthFn *table>
-static bool compares(PcNode *node) {
-    return testChildren(node, [node](Matrix *a, Matrix *b) { return table[pairIndex(a, b)](a, b, node); });
-}
+// Two real scalars are compared without the table, in the same way.
+struct EqualReals {
+    bool operator()(double x, double y) const { return x == y || (x != x && y != y); }
+};
 
-template <const TruthFn *table>
-static bool comparesSwapped(PcNode *node) {
-    return testChildren(node, [node](Matrix *a, Matrix *b) { return table[pairIndex(b, a)](b, a, node); });
+template <const TruthFn *table, class Reals, bool swapped = false>
+static bool compares(PcNode *node) {
+    return testChildren(node, [node](Matrix *a, Matrix *b) {
+        if constexpr (swapped) std::swap(a, b);
+        if (a->l1type == L1::RS && b->l1type == L1::RS) return Reals()(*a->rdata, *b->rdata);
+        return table[pairIndex(a, b)](a, b, node);
+    });
 }
 
 static bool isMember(PcNode *node) {
@@ -70,23 +76,23 @@ bool getPcLogVal(PcNode *node) {
     guardStack();
     switch (node->kind) {
         case NodeKind::And: return getPcLogVal(node->child(0)) && getPcLogVal(node->child(1));
-        case NodeKind::Equal: return compares<equfun>(node);
-        case NodeKind::NotEqual: return !compares<equfun>(node);
-        case NodeKind::Less: return compares<lesfun>(node);
-        case NodeKind::Greater: return comparesSwapped<lesfun>(node);
-        case NodeKind::LessEqual: return compares<leqfun>(node);
-        case NodeKind::GreaterEqual: return comparesSwapped<leqfun>(node);
+        case NodeKind::Equal: return compares<equfun, EqualReals>(node);
+        case NodeKind::NotEqual: return !compares<equfun, EqualReals>(node);
+        case NodeKind::Less: return compares<lesfun, std::less<>>(node);
+        case NodeKind::Greater: return compares<lesfun, std::less<>, true>(node);
+        case NodeKind::LessEqual: return compares<leqfun, std::less_equal<>>(node);
+        case NodeKind::GreaterEqual: return compares<leqfun, std::less_equal<>, true>(node);
         case NodeKind::MemberOf: return isMember(node);
         default: return evaluatesToTruth(node);
     }
 }
 
-Matrix *testPcEqual(PcNode *node) { return truthMat(compares<equfun>(node)); }
-Matrix *testPcNotequal(PcNode *node) { return truthMat(!compares<equfun>(node)); }
-Matrix *testPcLess(PcNode *node) { return truthMat(compares<lesfun>(node)); }
-Matrix *testPcGreater(PcNode *node) { return truthMat(comparesSwapped<lesfun>(node)); }
-Matrix *testPcLequal(PcNode *node) { return truthMat(compares<leqfun>(node)); }
-Matrix *testPcGequal(PcNode *node) { return truthMat(comparesSwapped<leqfun>(node)); }
+Matrix *testPcEqual(PcNode *node) { return truthMat(compares<equfun, EqualReals>(node)); }
+Matrix *testPcNotequal(PcNode *node) { return truthMat(!compares<equfun, EqualReals>(node)); }
+Matrix *testPcLess(PcNode *node) { return truthMat(compares<lesfun, std::less<>>(node)); }
+Matrix *testPcGreater(PcNode *node) { return truthMat(compares<lesfun, std::less<>, true>(node)); }
+Matrix *testPcLequal(PcNode *node) { return truthMat(compares<leqfun, std::less_equal<>>(node)); }
+Matrix *testPcGequal(PcNode *node) { return truthMat(compares<leqfun, std::less_equal<>, true>(node)); }
 Matrix *testPcNot(PcNode *node) { return truthMat(!evaluatesToTruth(node->child(0))); }
 Matrix *testPcAnd(PcNode *node) {
     return truthMat(getPcLogVal(node->child(0)) && getPcLogVal(node->child(1)));

@@ -139,7 +139,13 @@ inline void releaseMat(Matrix *m) {
 
 // Gives a link back; frees the value when it was the last. A value without links is an internal fault,
 // reported by xMesg.
-void ucReleaseMat(Matrix *m);
+void dropLastLink(Matrix *m);
+inline void ucReleaseMat(Matrix *m) {
+    if (m->nlinks() > 1)
+        m->status -= 2;
+    else
+        dropLastLink(m);
+}
 
 // The sweep knows every temporary: a value that becomes one is noted, once between two sweeps.
 extern uint32_t sweep_epoch;

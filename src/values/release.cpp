@@ -152,10 +152,10 @@ static void reportUnlinked(Matrix *m) {
         xMesg("Error: ucrelease non-linked mat, l2type=%u, ", index(m->l2type));
 }
 
-void ucReleaseMat(Matrix *m) {
+void dropLastLink(Matrix *m) {
     if (m->status <= status_temporary) return reportUnlinked(m);
     m->status -= 2;
-    if (m->nlinks() == 0) disposeMat(m);
+    disposeMat(m);
 }
 
 }  // namespace vesko
