@@ -75,7 +75,8 @@ inline Matrix *runCall(FuncRec *f, FuncFrame *frame, Matrix *parent) {
     guardStack();
     const FuncRecData *data = f->data;
     FuncFrame *caller = top;
-    if (parent) linkMat(parent);
+    if (parent) [[unlikely]]
+        linkMat(parent);
     frame->func = f;
     frame->pc = data->entry;
     frame->parent = parent;
@@ -88,10 +89,10 @@ inline Matrix *runCall(FuncRec *f, FuncFrame *frame, Matrix *parent) {
     Matrix *result = has_outputs ? takeSlot(slots) : theEmptyMat();
     if (frame->status) [[unlikely]]
         retireFrame(frame);
-    if (parent) {
+    if (Matrix *held = frame->parent) [[unlikely]] {
         frame->parent = nullptr;
         orderStores();
-        detachMat(parent);
+        detachMat(held);
     }
     orderStores();
     enterFrame(caller, depth - 1);

@@ -31,9 +31,9 @@ struct Xex {
 // A walk that catches, on the machine stack of execTryBlock.
 struct TryWalk {
     sigjmp_buf jmp;
-    int32_t depth;  // of the frame whose statements it walks
-    PinMark pins;   // what was held when it began
-    uint32_t base;  // its tries are the open ones from here on
+    int32_t depth;          // of the frame whose statements it walks
+    uint32_t npins, nheld;  // values and functions that were held when it began
+    uint32_t base;          // its tries are the open ones from here on
     TryWalk *outer;
 };
 
@@ -134,7 +134,8 @@ Matrix *execTryBlock(PcNode *node) {
     guardStack();
     TryWalk walk;
     walk.depth = depth;
-    walk.pins = markPins();
+    walk.npins = pinCount();
+    walk.nheld = heldFuncCount();
     walk.base = nopentries;
     walk.outer = innermost;
     if (sigsetjmp(walk.jmp, 1) == 0) {
@@ -143,7 +144,8 @@ Matrix *execTryBlock(PcNode *node) {
     } else {
         resetInterruptHold();
         dumpFuncStackTo(walk.depth);
-        unpinTo(walk.pins);
+        unpinTo(walk.npins);
+        releaseFuncsTo(walk.nheld);
         top->pc = catch_body;
     }
     exec_func();

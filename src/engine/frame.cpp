@@ -109,7 +109,8 @@ static void abandonFramesAbove(int32_t d, bool keep_automatons) {
 }
 
 void dumpFuncStack() {
-    unpinTo({0, 0});
+    unpinTo(0);
+    releaseFuncsTo(0);
     bool in_call = depth != 0;
     if (in_call) xMesg("Call stack:");
     abandonFramesAbove(0, true);

@@ -44,12 +44,15 @@ void releaseFunc() {
     if (--f->nholds == 0 && f->dropped) freeFuncRec(f);
 }
 
-PinMark markPins() { return {npinned, nheld}; }
-
 // A value that nobody else holds becomes a temporary, for the sweep.
-void unpinTo(PinMark mark) {
-    while (npinned > mark.values) unpinMat();
-    while (nheld > mark.funcs) releaseFunc();
+void unpinTo(uint32_t n) {
+    while (npinned > n) unpinMat();
+}
+
+uint32_t heldFuncCount() { return nheld; }
+
+void releaseFuncsTo(uint32_t n) {
+    while (nheld > n) releaseFunc();
 }
 
 }  // namespace vesko

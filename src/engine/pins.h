@@ -17,17 +17,14 @@ extern uint32_t npinned, pincap;
 
 void initPins();
 void growPins();
+inline uint32_t pinCount() { return npinned; }
+void unpinTo(uint32_t n);
 
 // A function object that the runtime calls by its record: held until releaseFunc, or until a jump.
 void holdFunc(FuncRec *f);
 void releaseFunc();
-
-// For recovery points.
-struct PinMark {
-    uint32_t values, funcs;
-};
-PinMark markPins();
-void unpinTo(PinMark mark);
+uint32_t heldFuncCount();
+void releaseFuncsTo(uint32_t n);
 
 inline Matrix *pinMat(Matrix *m) {
     if (npinned == pincap) [[unlikely]]

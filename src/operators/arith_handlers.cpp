@@ -5,6 +5,7 @@
 #include "operators/elementwise.h"
 #include "operators/operands.h"
 #include "operators/plain.h"
+#include "values/pools.h"
 
 namespace vesko {
 
@@ -19,14 +20,22 @@ static inline Matrix *realScalars(Matrix *a, Matrix *b) {
     return r;
 }
 
-template <const BinaryFn *table, class RealScalarOp = void>
-static inline Matrix *operate(PcNode *node, PcNode *left, PcNode *right) {
+template <const BinaryFn *table, class RealScalarOp>
+[[gnu::noinline]] static Matrix *operateOnTrees(PcNode *node, PcNode *left, PcNode *right) {
     guardStack();
     Matrix *a = evalOperand(left);
     Matrix *b = evalBeside(a, right);
     if constexpr (!std::is_void_v<RealScalarOp>)
         if (a->l1type == L1::RS && b->l1type == L1::RS) return realScalars<RealScalarOp>(a, b);
     return releaseOperands(table[pairIndex(a, b)](a, b, node), a, b);
+}
+
+template <const BinaryFn *table, class RealScalarOp = void>
+static inline Matrix *operate(PcNode *node, PcNode *left, PcNode *right) {
+    double x, y;
+    if constexpr (!std::is_void_v<RealScalarOp>)
+        if (peekRealScalars(left, right, x, y)) return makeRealScalar(RealScalarOp::apply(x, y));
+    return operateOnTrees<table, RealScalarOp>(node, left, right);
 }
 
 template <const BinaryFn *table, class RealScalarOp = void>

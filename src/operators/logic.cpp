@@ -52,13 +52,21 @@ struct EqualReals {
     bool operator()(double x, double y) const { return x == y || (x != x && y != y); }
 };
 
-template <const TruthFn *table, class Reals, bool swapped = false>
-static bool compares(PcNode *node) {
+template <const TruthFn *table, class Reals, bool swapped>
+[[gnu::noinline]] static bool comparesTrees(PcNode *node) {
     return testChildren(node, [node](Matrix *a, Matrix *b) {
         if constexpr (swapped) std::swap(a, b);
         if (a->l1type == L1::RS && b->l1type == L1::RS) return Reals()(*a->rdata, *b->rdata);
         return table[pairIndex(a, b)](a, b, node);
     });
+}
+
+template <const TruthFn *table, class Reals, bool swapped = false>
+static inline bool compares(PcNode *node) {
+    double x, y;
+    if (!peekRealScalars(node->child(0), node->child(1), x, y))
+        return comparesTrees<table, Reals, swapped>(node);
+    return swapped ? Reals()(y, x) : Reals()(x, y);
 }
 
 static bool isMember(PcNode *node) {
@@ -72,10 +80,14 @@ static bool evaluatesToTruth(PcNode *node) {
     return truth;
 }
 
-bool getPcLogVal(PcNode *node) {
+static bool bothHold(PcNode *node) {
     guardStack();
+    return getPcLogVal(node->child(0)) && getPcLogVal(node->child(1));
+}
+
+bool getPcLogVal(PcNode *node) {
     switch (node->kind) {
-        case NodeKind::And: return getPcLogVal(node->child(0)) && getPcLogVal(node->child(1));
+        case NodeKind::And: return bothHold(node);
         case NodeKind::Equal: return compares<equfun, EqualReals>(node);
         case NodeKind::NotEqual: return !compares<equfun, EqualReals>(node);
         case NodeKind::Less: return compares<lesfun, std::less<>>(node);

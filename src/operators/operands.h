@@ -17,6 +17,23 @@ inline Matrix *evalOperand(PcNode *node) {
     return node->exec(node);
 }
 
+// The value of a leaf, which somebody holds; null for other children.
+inline Matrix *peekLeaf(const PcNode *node) {
+    if (node->kind == NodeKind::Variable) return getVarMat(static_cast<uint32_t>(node->value));
+    return node->isConstant() ? node->constant : nullptr;
+}
+
+// Both children are leaves that hold real scalars: the case to answer without any call.
+inline bool peekRealScalars(const PcNode *left, const PcNode *right, double &x, double &y) {
+    const Matrix *a = peekLeaf(left);
+    if (!a || a->l1type != L1::RS) return false;
+    const Matrix *b = peekLeaf(right);
+    if (!b || b->l1type != L1::RS) return false;
+    x = *a->rdata;
+    y = *b->rdata;
+    return true;
+}
+
 // The right operand, evaluated while the left one is kept alive: evaluation may change the variable that
 // holds it.
 inline Matrix *evalBeside(Matrix *left, PcNode *right) {

@@ -155,6 +155,7 @@ static void reportUnlinked(Matrix *m) {
 void dropLastLink(Matrix *m) {
     if (m->status <= status_temporary) return reportUnlinked(m);
     m->status -= 2;
+    if (m->l2type == L2::RS && m->libidx == 0) return giveRecord(real_pool[0], m);
     disposeMat(m);
 }
 
