@@ -92,8 +92,8 @@ struct Join {
     Matrix *finish(Matrix *list) const {
         expandBlocks(list);
         const uint32_t sum = checkedLength(along, 1);
-        return stacking == Stacking::Vertical ? catBlocks(kind, list, sum, across, stacking)
-                                              : catBlocks(kind, list, across, sum, stacking);
+        return stacking == Stacking::Vertical ? catBlocks(kind, list, sum, across, stacking, node)
+                                              : catBlocks(kind, list, across, sum, stacking, node);
     }
 };
 

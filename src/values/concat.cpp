@@ -46,7 +46,8 @@ static Matrix *catComplex(const Matrix *list, uint32_t rows, uint32_t cols, Stac
 
 // ---- By kind of the result
 
-Matrix *catBlocks(BlockKind kind, const Matrix *list, uint32_t rows, uint32_t cols, Stacking stacking) {
+Matrix *catBlocks(BlockKind kind, const Matrix *list, uint32_t rows, uint32_t cols, Stacking stacking,
+                  PcNode *node) {
     const uint32_t length = checkedLength(rows, cols);
     switch (kind) {
         case BlockKind::Real: {
@@ -66,13 +67,13 @@ Matrix *catBlocks(BlockKind kind, const Matrix *list, uint32_t rows, uint32_t co
             return catInto(m, m->bytes(), list, stacking);
         }
         case BlockKind::Complex: return catComplex(list, rows, cols, stacking);
-        case BlockKind::BigInt: error_not_built(nullptr, "big integers");
-        case BlockKind::Mpf: error_not_built(nullptr, "multi-precision floats");
-        case BlockKind::Function: error_not_built(nullptr, "matrices of functions");
+        case BlockKind::BigInt: error_not_built(node, "big integers");
+        case BlockKind::Mpf: error_not_built(node, "multi-precision floats");
+        case BlockKind::Function: error_not_built(node, "matrices of functions");
         case BlockKind::String:
-        case BlockKind::None: break;
+        case BlockKind::None: return catstrings(list);
     }
-    return catstrings(list);
+    __builtin_unreachable();
 }
 
 }  // namespace vesko

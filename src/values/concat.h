@@ -13,7 +13,9 @@ constexpr unsigned n_block_kinds = 9;  // those before None
 
 enum class Stacking { Vertical, Horizontal };
 
-// The blocks of `list`, converted to `kind`, as one matrix of rows by cols, which they fill exactly.
-Matrix *catBlocks(BlockKind kind, const Matrix *list, uint32_t rows, uint32_t cols, Stacking stacking);
+// The blocks of `list`, converted to `kind`, as one matrix of rows by cols, which they fill exactly. Strings
+// are joined, whatever the sizes.
+Matrix *catBlocks(BlockKind kind, const Matrix *list, uint32_t rows, uint32_t cols, Stacking stacking,
+                  PcNode *node);
 
 }  // namespace vesko

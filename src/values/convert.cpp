@@ -85,12 +85,8 @@ static Matrix *bytesFrom(const Matrix *m, L2 target, Matrix *(*make)(uint32_t, u
     }
 }
 
-Matrix *convToByteMat(const Matrix *m) {
-    return bytesFrom<uint8_t>(m, L2::BY, newByteMat);
-}
-Matrix *convToBinaryMat(const Matrix *m) {
-    return bytesFrom<Bit>(m, L2::BI, newBinaryMat);
-}
+Matrix *convToByteMat(const Matrix *m) { return bytesFrom<uint8_t>(m, L2::BY, newByteMat); }
+Matrix *convToBinaryMat(const Matrix *m) { return bytesFrom<Bit>(m, L2::BI, newBinaryMat); }
 
 void by_to_bi(Matrix *m) {
     for (uint32_t i = 0; i < m->length; i++) m->bytes()[i] &= 1;

@@ -11,6 +11,7 @@
 #include "builtins/bfunc.h"
 #include "console/command.h"
 #include "console/message.h"
+#include "console/worksheet.h"
 #include "engine/errors.h"
 #include "engine/interrupt.h"
 #include "frontend/symbols.h"
@@ -282,6 +283,7 @@ static void showValue(Matrix *m) {
 }
 
 Matrix *dispMat(Matrix *m) {
+    if (cwmode_nodisplay()) return theNullMat();
     disp_level = 0;
     first_line = true;
     showValue(m);

@@ -8,7 +8,7 @@ namespace vesko {
 struct Matrix;
 
 void initDisplayFormat();
-Matrix *dispMat(Matrix *m);  // shows m as output lines; returns m
+Matrix *dispMat(Matrix *m);  // shows m as output lines; returns m, or in screen mode the null value
 
 void setDispFormat(char ch);
 void setDispFormatScalar(char ch);

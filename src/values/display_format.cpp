@@ -52,18 +52,10 @@ void setDispNdigitsScalar(uint32_t n) {
     makeFormat(rs_disp_format, aligned_right, disp_format_scalar, n);
 }
 
-char getDispFormat() {
-    return disp_format;
-}
-char getDispFormatScalar() {
-    return disp_format_scalar;
-}
-uint32_t getDispNdigits() {
-    return disp_ndigits;
-}
-uint32_t getDispNdigitsScalar() {
-    return disp_ndigits_scalar;
-}
+char getDispFormat() { return disp_format; }
+char getDispFormatScalar() { return disp_format_scalar; }
+uint32_t getDispNdigits() { return disp_ndigits; }
+uint32_t getDispNdigitsScalar() { return disp_ndigits_scalar; }
 
 void initDisplayFormat() {
     disp_ndigits = disp_ndigits_scalar = 6;

@@ -74,9 +74,7 @@ void convertRun(To *dst, const From *src, uint32_t n) {
 }
 
 // Kinds whose elements lie in a buffer, or follow from one, so that copyElements can read them.
-constexpr bool hasPlainElements(L2 t) {
-    return isRealLike(t) && (t < L2::BAND || t == L2::PM);
-}
+constexpr bool hasPlainElements(L2 t) { return isRealLike(t) && (t < L2::BAND || t == L2::PM); }
 
 // Elements from .. from + n - 1 of a value of a plain kind, in row-major order.
 template <class To>

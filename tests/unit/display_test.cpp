@@ -92,6 +92,12 @@ TEST_F(Display, DepthIsLimitedAndTheLevelComesBack) {
     EXPECT_EQ(shown(newRealScalarMat(1)), Lines{"    1"});
 }
 
+TEST_F(Display, ScreenModeShowsNothing) {
+    reset_cwmode(2);
+    EXPECT_EQ(dispMat(newRealScalarMat(1)), theNullMat());
+    reset_cwmode(0);
+}
+
 TEST_F(Display, SettingsAreReadBack) {
     setDispFormat('e');
     setDispNdigits(9);
