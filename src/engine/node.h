@@ -6,6 +6,7 @@
 // return: so a handler owns nothing but pool records.
 #pragma once
 
+#include <array>
 #include <cstdint>
 
 #include "values/fault.h"
@@ -68,7 +69,8 @@ void auditNodes(const PcNode *chain);        // for the audit of links: files an
 extern ExecFn pcOprn[n_node_kinds];
 void setTreeOprnFunc();
 const char *opr2str(Opr op);
-int thePriorityOf(Opr op);
+extern const std::array<int8_t, n_node_kinds> opr_priority;
+inline int thePriorityOf(Opr op) { return opr_priority[index(op)]; }
 bool isBinary(Opr op);
 
 // ---- Walking.

@@ -269,43 +269,6 @@ Token *getToken_skip_blanks() {
     }
 }
 
-LexStart getTokCat(TokenKind kind) {
-    switch (kind) {
-        case TokenKind::Eof:
-        case TokenKind::Comma:
-        case TokenKind::Semicolon:
-        case TokenKind::Newline: return LexStart::Statement;
-        case TokenKind::Number:
-        case TokenKind::Regexp:
-        case TokenKind::Regsub:
-        case TokenKind::Translit:
-        case TokenKind::Imaginary:
-        case TokenKind::Integer:
-        case TokenKind::SingleQuoted:
-        case TokenKind::PlusPlus:
-        case TokenKind::MinusMinus:
-        case TokenKind::Dollar:
-        case TokenKind::Quote:
-        case TokenKind::Byte:
-        case TokenKind::BigInt:
-        case TokenKind::Mpf:
-        case TokenKind::String:
-        case TokenKind::Identifier:
-        case TokenKind::Keyword:
-        case TokenKind::ParenGroup:
-        case TokenKind::BracketGroup:
-        case TokenKind::BraceGroup:
-        case TokenKind::FunctionBlock:
-        case TokenKind::ClassBlock:
-        case TokenKind::ConditionalBlock:
-        case TokenKind::Global:
-        case TokenKind::Builtin:
-        case TokenKind::Parent:
-        case TokenKind::This: return LexStart::Value;
-        default: return LexStart::Operator;
-    }
-}
-
 Token *stripPars(Token *token) {
     while (token && token->is(TokenKind::ParenGroup) && !token->next) token = token->first;
     return token;

@@ -138,7 +138,7 @@ void setExtraCh(int c) {
     extra[0] = static_cast<char>(c);
 }
 
-int nextChar() { return filelist->extra[0] ? getExtraCh() : readch(); }
+int nextCharSlowly() { return filelist->extra[0] ? getExtraCh() : readch(); }
 
 void countConsoleLines(uint32_t n) {
     if (n == 0) return;

@@ -36,8 +36,18 @@ uint32_t getCurrLineNum();           // counted from 1
 int readch();                        // from the file or the console: bytes of a file are signed
 int getExtraCh();                    // takes the character pushed back last
 void setExtraCh(int c);              // at most three wait; a NUL discards them
-int nextChar();                      // getExtraCh, or else readch
 bool consoleEnded();                 // the console has no more lines
 void countConsoleLines(uint32_t n);  // lines of the console that were left unread
+
+// The next character: one that was pushed back, or else that of readch.
+int nextCharSlowly();
+inline int nextChar() {
+    constexpr char last_special = '\r';  // plain characters need no count
+    VSFileList *source = filelist;
+    if (source->extra[0] || source->pos == source->end || *source->pos <= last_special)
+        return nextCharSlowly();
+    source->at_end = source->after_cr = false;
+    return *source->pos++;
+}
 
 }  // namespace vesko

@@ -4,6 +4,7 @@
 // head of each command, texts from pods.
 #pragma once
 
+#include <array>
 #include <cstdint>
 
 #include "engine/interrupt.h"
@@ -59,7 +60,8 @@ enum class LexStart : uint32_t {
 void startLexMachine();
 Token *getToken(LexStart category);
 Token *getToken_skip_blanks();
-LexStart getTokCat(TokenKind kind);
+extern const std::array<LexStart, n_token_kinds> token_categories;
+inline LexStart getTokCat(TokenKind kind) { return token_categories[index(kind)]; }
 Token *newToken(TokenKind kind);
 Token *stripPars(Token *token);
 double retrieveNum(const char *text);
@@ -73,7 +75,10 @@ void raiseTokenReadingDepth(int by);
 // ---- Tables.
 void setTokOpr();
 void setOprPriority();
-Opr getTokOpr(TokenKind kind);
+extern const std::array<Opr, n_token_kinds> tok2opr;  // None: cannot stand in an expression
+inline Opr getTokOpr(TokenKind kind) {
+    return index(kind) < n_token_kinds ? tok2opr[index(kind)] : Opr::None;
+}
 KeywordId isKeyword(const char *text);
 KeywordId isKeywordH(const char *text, uint32_t length);  // text need not end behind the word
 const char *getKeywordName(KeywordId id);

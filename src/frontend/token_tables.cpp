@@ -53,43 +53,86 @@ const Keyword *keywordOf(KeywordId id) {
     return nullptr;
 }
 
-// ---- Token kinds
+// ---- Texts for messages
 
-struct TokenTable {
-    const char *text[n_token_kinds];
-    Opr opr[n_token_kinds];
-};
-
-constexpr TokenTable tokens = [] {
-    TokenTable table = {};
-    for (const char *&text : table.text) text = "???";
-    for (Opr &opr : table.opr) opr = Opr::None;
-#define TOK(number, name, show, op) \
-    table.text[number] = show;      \
-    table.opr[number] = Opr::op;
+constexpr auto token_texts = [] {
+    std::array<const char *, n_token_kinds> table;
+    table.fill("???");
+#define TOK(number, name, text, opr) table[number] = text;
 #include "frontend/tokens.def"
 #undef TOK
     return table;
 }();
 
-// ---- Operators
-
-struct OperatorTable {
-    const char *label[n_node_kinds];
-    int8_t priority[n_node_kinds];
-};
-
-constexpr OperatorTable operators = [] {
-    OperatorTable table = {};
-#define OP(number, name, handler, show, binds) \
-    table.label[number] = show;                \
-    table.priority[number] = binds;
+constexpr auto labels = [] {
+    std::array<const char *, n_node_kinds> table = {};
+#define OP(number, name, handler, label, priority) table[number] = label;
 #include "engine/node_kinds.def"
 #undef OP
     return table;
 }();
 
+// A value, or what ends like one.
+constexpr TokenKind value_tokens[] = {
+    TokenKind::Number,
+    TokenKind::Regexp,
+    TokenKind::Regsub,
+    TokenKind::Translit,
+    TokenKind::Imaginary,
+    TokenKind::Integer,
+    TokenKind::SingleQuoted,
+    TokenKind::PlusPlus,
+    TokenKind::MinusMinus,
+    TokenKind::Dollar,
+    TokenKind::Quote,
+    TokenKind::Byte,
+    TokenKind::BigInt,
+    TokenKind::Mpf,
+    TokenKind::String,
+    TokenKind::Identifier,
+    TokenKind::Keyword,
+    TokenKind::ParenGroup,
+    TokenKind::BracketGroup,
+    TokenKind::BraceGroup,
+    TokenKind::ClassBlock,
+    TokenKind::FunctionBlock,
+    TokenKind::ConditionalBlock,
+    TokenKind::Global,
+    TokenKind::Builtin,
+    TokenKind::Parent,
+    TokenKind::This,
+};
+constexpr TokenKind stop_tokens[] = {TokenKind::Eof, TokenKind::Comma, TokenKind::Semicolon,
+                                     TokenKind::Newline};
+
 }  // namespace
+
+// ---- Tables
+
+constinit const std::array<Opr, n_token_kinds> tok2opr = [] {
+    std::array<Opr, n_token_kinds> table;
+    table.fill(Opr::None);
+#define TOK(number, name, text, opr) table[number] = Opr::opr;
+#include "frontend/tokens.def"
+#undef TOK
+    return table;
+}();
+
+constinit const std::array<int8_t, n_node_kinds> opr_priority = [] {
+    std::array<int8_t, n_node_kinds> table = {};
+#define OP(number, name, handler, label, priority) table[number] = priority;
+#include "engine/node_kinds.def"
+#undef OP
+    return table;
+}();
+
+constinit const std::array<LexStart, n_token_kinds> token_categories = [] {
+    std::array<LexStart, n_token_kinds> table;
+    table.fill(LexStart::Operator);
+    for (TokenKind kind : value_tokens) table[index(kind)] = LexStart::Value;
+    for (TokenKind kind : stop_tokens) table[index(kind)] = LexStart::Statement;
+    return table;
+}();
 
 KeywordId isKeyword(const char *text) {
     const Keyword *word = findKeyword(text, std::strlen(text));
@@ -124,18 +167,14 @@ const char *tok2str(const Token *token) {
         case TokenKind::String: return token->text;
         case TokenKind::Identifier: return getSymbolName(token->symbol);
         case TokenKind::Keyword: return getKeywordName(token->keyword);
-        default: return index(token->kind) < n_token_kinds ? tokens.text[index(token->kind)] : "???";
+        default: return index(token->kind) < n_token_kinds ? token_texts[index(token->kind)] : "???";
     }
 }
 
-Opr getTokOpr(TokenKind kind) { return index(kind) < n_token_kinds ? tokens.opr[index(kind)] : Opr::None; }
-
 const char *opr2str(Opr op) {
-    const char *label = index(op) < n_node_kinds ? operators.label[index(op)] : nullptr;
+    const char *label = index(op) < n_node_kinds ? labels[index(op)] : nullptr;
     return label ? label : "undefined";
 }
-
-int thePriorityOf(Opr op) { return operators.priority[index(op)]; }
 
 bool isBinary(Opr op) {
     switch (op) {
