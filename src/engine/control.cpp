@@ -101,16 +101,24 @@ Matrix *prepFor1bBlock(PcNode *node) {
     return nullptr;
 }
 
-// The counter's record is changed in place: the parser protects it from other holders.
+// The counter's record is changed in place. The parser protects it from other holders; a record that got one all
+// the same is left to it.
+static double *counterOf(const PcNode *node) {
+    Variable *var = getVar(static_cast<uint32_t>(node->value));
+    if (var->value->nlinks() > 1) [[unlikely]]
+        updateVariable(var, newRealScalarMat(*var->value->rdata));
+    return var->value->rdata;
+}
+
 Matrix *execFor1aBlock(PcNode *node) {
-    double *counter = getVarMat(static_cast<uint32_t>(node->value))->rdata;
+    double *counter = counterOf(node);
     double last = *getVarMat(hiddenVar(node))->rdata;
     top->pc = last >= (*counter += 1.0) ? node->child(1) : node->next;
     return nullptr;
 }
 
 Matrix *execFor1bBlock(PcNode *node) {
-    double *counter = getVarMat(static_cast<uint32_t>(node->value))->rdata;
+    double *counter = counterOf(node);
     const double *limit = getVarMat(hiddenVar(node))->rdata;
     double step = limit[0], last = limit[1];
     *counter += step;

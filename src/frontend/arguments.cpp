@@ -200,7 +200,7 @@ PcNode *makeHashEntryNode(PcNode *base, Token *tokens) {
     }
     PcNode *indices = parseRefArg({base, IndexMode::Entry, Opr::MaxListIndex}, openBracket(tokens), line);
     if (indices->ncub != 1) syntaxError(line, "comma unexpected");
-    return newRefNode(Opr::HashEntry, base, indices->child(0));
+    return newRefNode(Opr::HashEntry, base, copyIfProtected(indices->child(0)));  // a new key is kept
 }
 
 }  // namespace vesko
