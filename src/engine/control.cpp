@@ -101,8 +101,8 @@ Matrix *prepFor1bBlock(PcNode *node) {
     return nullptr;
 }
 
-// The counter's record is changed in place. The parser protects it from other holders; a record that got one all
-// the same is left to it.
+// The counter's record is changed in place. The parser protects it from other holders; a record that got one
+// all the same is left to it.
 static double *counterOf(const PcNode *node) {
     Variable *var = getVar(static_cast<uint32_t>(node->value));
     if (var->value->nlinks() > 1) [[unlikely]]
