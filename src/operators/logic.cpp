@@ -42,8 +42,7 @@ static inline bool testChildren(PcNode *node, Test test) {
     Matrix *a = evalOperand(node->child(0));
     Matrix *b = evalBeside(a, node->child(1));
     const bool truth = test(a, b);
-    releaseMat(a);
-    releaseMat(b);
+    releasePair(a, b);
     return truth;
 }
 

@@ -44,11 +44,16 @@ inline Matrix *evalBeside(Matrix *left, PcNode *right) {
     return m;
 }
 
+// Releases both operands. In x * x++ they are one record, the one that x held.
+inline void releasePair(Matrix *a, Matrix *b) {
+    if (b != a) releaseMat(b);
+    releaseMat(a);
+}
+
 // Releases the operands, one of which may be the result.
 inline Matrix *releaseOperands(Matrix *result, Matrix *a, Matrix *b) {
     keepResult(result);
-    releaseMat(a);
-    releaseMat(b);
+    releasePair(a, b);
     return passResult(result);
 }
 
