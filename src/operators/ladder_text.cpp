@@ -84,10 +84,10 @@ Matrix *findText(Arith, Matrix *a, Matrix *b, PcNode *) {
 
 // ---- A number times a string
 
-// A real scalar is truncated; other kinds must hold one whole number.
+// A real scalar is truncated, one beyond the integers counts as none; other kinds must hold one whole number.
 static int32_t repetitions(const Matrix *m) {
     int32_t n = 0;
-    if (m->l1type == L1::RS) return truncToInt(m->rdata[0]);
+    if (m->l1type == L1::RS) return m->rdata[0] < 0x1p31 ? truncToInt(m->rdata[0]) : 0;
     return oneWholeNumber(m, n) ? n : 0;
 }
 
