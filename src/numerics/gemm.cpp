@@ -3,6 +3,7 @@
 // of the inner index, from 0, with every product rounded: the bits of the plain triple loop.
 #include <algorithm>
 
+#include "numerics/fill.h"
 #include "numerics/kernels.h"
 #include "values/matrix.h"
 
@@ -14,17 +15,14 @@ using Lanes = double __attribute__((vector_size(32)));
 using UnalignedLanes = double __attribute__((vector_size(32), aligned(8), may_alias));
 constexpr uint32_t lanes = 4;
 
-constexpr uint32_t tile_rows = 4, tile_vectors = 2, tile_cols = tile_vectors * lanes;
+constexpr uint32_t tile_rows = 6, tile_vectors = 2, tile_cols = tile_vectors * lanes;
 constexpr uint32_t depth_block = 256;  // a strip of packed b stays in the first cache level
 constexpr uint32_t row_block = 96;     // a block of packed a stays in the second
 
 constexpr uint32_t roundUp(uint32_t x, uint32_t unit) { return (x + unit - 1) / unit * unit; }
 
 // One tile of c, `stride` apart, plus the product of a packed strip of a and a packed strip of b.
-#ifdef __x86_64__
-__attribute__((target_clones("avx2", "default")))
-#endif
-void tileKernel(const double *a, const double *b, double *c, uint32_t stride, uint32_t depth) {
+VESKO_CLONES void tileKernel(const double *a, const double *b, double *c, uint32_t stride, uint32_t depth) {
     const auto at = [c, stride](uint32_t i) {
         return reinterpret_cast<UnalignedLanes *>(c + size_t{i} * stride);
     };

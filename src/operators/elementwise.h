@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "engine/errors.h"
+#include "numerics/fill.h"
 #include "operators/families.h"
 
 namespace vesko {
@@ -51,20 +52,21 @@ inline void refuseZeroDivisor(const T *divisors, uint32_t n, PcNode *node) {
 // ---- Loops. The result may lie exactly on an operand.
 template <class Op, class C, class A, class B>
 inline void loopVV(const A *x, const B *y, C *z, uint32_t n) {
-#pragma GCC ivdep
-    for (uint32_t i = 0; i < n; i++) z[i] = Op::apply(static_cast<C>(x[i]), static_cast<C>(y[i]));
+    const bool fresh = static_cast<const void *>(x) != z && static_cast<const void *>(y) != z;
+    fillElements(z, n, fresh,
+                 [x, y](uint32_t i) { return Op::apply(static_cast<C>(x[i]), static_cast<C>(y[i])); });
 }
 template <class Op, class C, class A, class B>
 inline void loopSV(A x, const B *y, C *z, uint32_t n) {
     const C s = static_cast<C>(x);
-#pragma GCC ivdep
-    for (uint32_t i = 0; i < n; i++) z[i] = Op::apply(s, static_cast<C>(y[i]));
+    const bool fresh = static_cast<const void *>(y) != z;
+    fillElements(z, n, fresh, [s, y](uint32_t i) { return Op::apply(s, static_cast<C>(y[i])); });
 }
 template <class Op, class C, class A, class B>
 inline void loopVS(const A *x, B y, C *z, uint32_t n) {
     const C s = static_cast<C>(y);
-#pragma GCC ivdep
-    for (uint32_t i = 0; i < n; i++) z[i] = Op::apply(static_cast<C>(x[i]), s);
+    const bool fresh = static_cast<const void *>(x) != z;
+    fillElements(z, n, fresh, [x, s](uint32_t i) { return Op::apply(static_cast<C>(x[i]), s); });
 }
 
 // ---- The shape rule: equal shapes; a column applied to each column of a wider operand, a row to each row of

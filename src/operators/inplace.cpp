@@ -27,7 +27,10 @@ static Matrix *stepScalar(Matrix *target, const Matrix *operand, PcNode *node) {
     const C x = operandAs<C, R>(operand);
     if constexpr (divides<Op> && std::is_same_v<C, int32_t>) refuseZeroDivisor(&x, 1, node);
     C *z = elementsOf<C>(target);
-    loopVS<Op>(z, x, z, is_scalar<L> ? 1 : target->length);
+    if (target->length == 1)
+        *z = Op::apply(*z, x);
+    else
+        loopVS<Op>(z, x, z, target->length);
     return target;
 }
 

@@ -55,7 +55,8 @@ static Matrix *powerOfMatrix(Matrix *m, Matrix *exponent, PcNode *node) {
     }
 BIND(RM, RS)
 BIND(RM, IS)
-BIND(IM, RS) BIND(IM, IS)
+BIND(IM, RS)
+BIND(IM, IS)
 #undef BIND
 
 // A matrix is no exponent.
@@ -65,11 +66,18 @@ BIND(IM, RS) BIND(IM, IS)
 #undef BIND
 
     // ---- Element by element.
-    static double dMin(const Matrix *m) {
-    double least = m->rdata[0];
-    for (uint32_t i = 0; i < m->length && !std::isnan(least); i++)
-        if (!(m->rdata[i] >= least)) least = m->rdata[i];
-    return least;
+    // What the least element tells: one NaN hides all the others.
+    struct Least {
+    bool nan, negative;
+};
+static Least dMin(const Matrix *m) {
+    const double *x = m->rdata;
+    unsigned nan = 0, negative = 0;
+    for (uint32_t i = 0; i < m->length; i++) {
+        nan |= std::isnan(x[i]);
+        negative |= x[i] < 0.0;
+    }
+    return {nan != 0, negative != 0};
 }
 
 struct Power {
@@ -91,16 +99,35 @@ static Matrix *complexPowers(const Matrix *a, const Matrix *b) {
 // The kind of the whole result is decided once. For a scalar base the first exponent alone decides; programs
 // rely on it.
 template <L1 L, L1 R>
-static bool needsComplex(const Matrix *b, double least) {
-    if (!(least < 0.0)) return false;
+static bool needsComplex(const Matrix *b, Least least) {
+    if (!least.negative) return false;
     return is_scalar<L> || is_scalar<R> ? !isWhole(*b->rdata) : !isIntMat(b);
+}
+
+// The commonest exponents without the general function: never less exact, and many times faster.
+struct Square {
+    static double apply(double x, double) { return x * x; }
+};
+struct Reciprocal {
+    static double apply(double x, double) { return 1.0 / x; }
+};
+struct Root {
+    static double apply(double x, double) { return std::sqrt(x) + 0.0; }  // the power of -0.0 is 0.0
+};
+static Matrix *powersOfMatrix(Matrix *a, Matrix *exponent, PcNode *node) {
+    const double n = *exponent->rdata;
+    if (n == 2.0) return elementwise<Square, L1::RM, L1::RS>(a, exponent, node);
+    if (n == -1.0) return elementwise<Reciprocal, L1::RM, L1::RS>(a, exponent, node);
+    if (n == 0.5) return elementwise<Root, L1::RM, L1::RS>(a, exponent, node);
+    return elementwise<Power, L1::RM, L1::RS>(a, exponent, node);
 }
 
 template <L1 L, L1 R>
 static Matrix *realPowers(Matrix *a, Matrix *b, PcNode *node) {
-    const double least = dMin(a);
-    if (std::isnan(least) && !is_scalar<L>) return theNanMat();
+    const Least least = dMin(a);
+    if (least.nan && !is_scalar<L>) return theNanMat();
     if (needsComplex<L, R>(b, least)) return complexPowers(a, b);
+    if constexpr (L == L1::RM && R == L1::RS) return powersOfMatrix(a, b, node);
     return elementwise<Power, L, R>(a, b, node);
 }
 
@@ -126,8 +153,9 @@ static Matrix *powers(Matrix *a, Matrix *b, PcNode *node) {
     Matrix *dpw##L##_##R(Matrix *a, Matrix *b, PcNode *node) { return powers<L1::L, L1::R>(a, b, node); }
 BIND(RS, RM)
 BIND(RS, IM)
-BIND(RM, RS) BIND(RM, RM) BIND(RM, IS) BIND(RM, IM) BIND(IS, RM) BIND(IS, IM) BIND(IM, RS) BIND(IM, RM)
-    BIND(IM, IS) BIND(IM, IM)
+BIND(RM, RS)
+BIND(RM, RM) BIND(RM, IS) BIND(RM, IM) BIND(IS, RM) BIND(IS, IM) BIND(IM, RS) BIND(IM, RM) BIND(IM, IS)
+    BIND(IM, IM)
 #undef BIND
 
 }  // namespace vesko

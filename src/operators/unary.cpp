@@ -43,8 +43,8 @@ static Matrix *negated(const Matrix *m) {
     using T = Element<F>;
     if constexpr (is_scalar<F>) return newScalar(Neg::apply(*elementsOf<T>(m)));
     Matrix *r = newPlainMat<T>(m->nrows, m->ncols);
-    std::transform(elementsOf<T>(m), elementsOf<T>(m) + m->length, elementsOf<T>(r),
-                   [](T x) { return Neg::apply(x); });
+    const T *x = elementsOf<T>(m);
+    fillElements(elementsOf<T>(r), m->length, true, [x](uint32_t i) { return Neg::apply(x[i]); });
     return r;
 }
 #define BIND(F) \
