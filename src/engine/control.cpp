@@ -166,11 +166,11 @@ Matrix *execFor3Block(PcNode *node) {
 
 // Children of a case: the expression, the body. Its value tells `case` from `cases`.
 static bool matchesCase(Matrix *subject, PcNode *part, PcNode *node) {
-    Matrix *value = part->eval(0);
+    Matrix *value = pinMat(part->eval(0));
     bool matches = part->value == static_cast<int32_t>(KeywordId::Case)
                        ? are_equal(subject, value)
                        : memberOfSet(subject, value, node) != 0;
-    if (value != subject) releaseMat(value);
+    releaseMat(unpinMat());
     return matches;
 }
 

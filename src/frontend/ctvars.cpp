@@ -1,6 +1,7 @@
 // Compile-time variables: what the parser knows of the variables of a scope, and the protection of counters.
 #include "builtins/bfunc.h"
 #include "engine/frame.h"
+#include "engine/pins.h"
 #include "frontend/names.h"
 #include "frontend/source.h"
 #include "frontend/symbols.h"
@@ -173,12 +174,14 @@ void unprotectvar(uint32_t k) {
 // ---- Defaults and domains of formal arguments
 
 static void setFormal(CtVar *var, PcNode *formal) {
-    Matrix *value = formal->eval(0);
-    Matrix *domain = formal->eval(1);
+    Matrix *value = pinMat(formal->eval(0));
+    Matrix *domain = pinMat(formal->eval(1));
     if (value != theEmptyMat() && domain != theCompleteMat() && !memberOfSet(value, domain, formal))
         syntaxError(formal->line, "default value of argument '%s' outside domain",
                     getSymbolName(var->symbol));
     updateCtVar(var, value, domain);
+    unpinMat();
+    unpinMat();
 }
 
 void setCtVarVector(Vector *vars, PcNode *outputs, PcNode *inputs) {

@@ -3,6 +3,7 @@
 #include "engine/frame.h"
 #include "engine/handlers.h"
 #include "engine/interrupt.h"
+#include "engine/pins.h"
 #include "frontend/names.h"
 #include "frontend/symbols.h"
 #include "operators/dispatch.h"
@@ -53,13 +54,15 @@ static const char *globalName(PcNode *node) { return getSymbolName(getGlobalVari
 static Matrix *initGlobal(PcNode *node, PcNode *in_node) {
     Variable *var = getGlobalVariable(node->value);
     if (var->value->l2type != L2::GV || !isFree(var->domain)) error_gvar_assign(node, globalName(node), true);
-    Matrix *value = in_node->eval(0);
-    Matrix *domain = in_node->eval(1);
+    Matrix *value = pinMat(in_node->eval(0));
+    Matrix *domain = pinMat(in_node->eval(1));
     if (!memberOfSet(value, domain, node)) error_gvar_assign(node, globalName(node), false);
     linkMat(domain);
     if (var->domain) ucReleaseMat(var->domain);
     var->domain = domain;
-    return replaceMat(var->value, value);
+    replaceMat(var->value, value);
+    unpinMat();
+    return unpinMat();
 }
 
 // Children: the target, the value.
@@ -67,10 +70,11 @@ Matrix *doGVarAsgn(PcNode *node) {
     PcNode *right = node->child(1);
     if (right->kind == NodeKind::In) return initGlobal(node, right);
     Variable *var = getGlobalVariable(node->value);
-    Matrix *value = right->exec(right);
+    Matrix *value = pinMat(right->exec(right));
     if (!isFree(var->domain) && !memberOfSet(value, var->domain, node))
         error_gvar_assign(node, globalName(node), false);
-    return replaceMat(var->value, value);
+    replaceMat(var->value, value);
+    return unpinMat();
 }
 
 }  // namespace vesko

@@ -100,17 +100,25 @@ static int32_t giveBack(int32_t token, int c) {
     return token;
 }
 
+// One step of the automaton.
+static inline void updateState(int32_t &state) {
+    if (isLexStart(state)) toklen = 0;
+    int c = nextChar();
+    state = c == end_of_input ? stateAtEnd(state) : lexMachine(state, c);
+    if (state <= last_pushback_token) {
+        state = giveBack(state, c);
+    } else if (state == lex_error) {
+        tokenError("unrecognized token");
+    } else if (need_record_ch[state]) {
+        recordCh(c);
+    }
+}
+
 // Runs the automaton from a start state to a token; the text is left in the buffer.
 static TokenKind scanToken(int32_t state) {
-    for (;;) {
-        if (isLexStart(state)) toklen = 0;
-        int c = nextChar();
-        state = c == end_of_input ? stateAtEnd(state) : lexMachine(state, c);
-        if (state <= last_pushback_token) return static_cast<TokenKind>(giveBack(state, c));
-        if (state <= last_token) return static_cast<TokenKind>(state);
-        if (state == lex_error) tokenError("unrecognized token");
-        if (need_record_ch[state]) recordCh(c);
-    }
+    do updateState(state);
+    while (state > last_token);
+    return static_cast<TokenKind>(state);
 }
 
 // ---- Making tokens
