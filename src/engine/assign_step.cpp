@@ -63,9 +63,10 @@ Matrix *stepped(Matrix *m, Matrix *(*one)(), PcNode *node) {
 
 Matrix *integerOne() { return newIntScalarMat(1); }
 
-// Whether only variable k, and perhaps its compile-time record, holds the value.
+// Whether only variable k, and perhaps its compile-time record, holds the value. A singleton stands for a
+// value of the variable's own.
 bool soleHolder(const Matrix *m, uint32_t k) {
-    if (m->nlinks() < 2) return true;
+    if (m->nlinks() < 2 || m->status > status_singleton / 2) return true;
     if (m->nlinks() > 2) return false;
     if (top->func) return top->func->data->ctvars->at<CtVar>(k)->value == m;
     return inTopLevel() && getCtVar(k)->value == m;
