@@ -83,6 +83,12 @@ void error_undef_opr(PcNode *node, const Matrix *value, NodeKind kind) {
     }
 }
 
+// What an indexed node, or the store into one, indexes.
+static PcNode *operandOf(PcNode *node) {
+    PcNode *child = node->child(0);
+    return node->kind < NodeKind::PreInc ? child->child(0) : child;
+}
+
 void error_undef_opr2(PcNode *node) {
     const char *text = opr2str(node ? node->kind : NodeKind::None);
     switch (node ? node->kind : NodeKind::None) {
@@ -105,7 +111,7 @@ void error_undef_opr2(PcNode *node) {
         case NodeKind::Ref2Asgn:
         case NodeKind::RefMAsgn:
         case NodeKind::Ref3Asgn:
-        case NodeKind::RefMdAsgn: REPORT(node, "%s\"%s\" not a matrix", pcnode2str(node->child(0))->text());
+        case NodeKind::RefMdAsgn: REPORT(node, "%s\"%s\" not a matrix", pcnode2str(operandOf(node))->text());
         default: REPORT(node, "%s'%s' cannot be evaluated", text);
     }
 }

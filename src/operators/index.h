@@ -26,6 +26,21 @@ uint32_t singleIndex(Matrix *value, PcNode *node);
 uint32_t chkSingleIndex(Matrix *value, uint32_t bound, PcNode *node);
 uint32_t getIndexS(const Matrix *m);  // from 0, of a checked IS, RS or BY
 
+// The single index, from 0, that a real or integer scalar gives within the bound; false for all else, which
+// is for the general check to judge.
+inline bool quickIndex(const Matrix *index, uint32_t bound, uint32_t &i) {
+    double x;
+    if (index->l1type == L1::RS)
+        x = index->rdata[0];
+    else if (index->l1type == L1::IS)
+        x = index->ints()[0];
+    else
+        return false;
+    if (!(x >= 1 && x <= bound)) return false;
+    i = static_cast<uint32_t>(x) - 1;
+    return true;
+}
+
 // The k-th index of a checked index value, from 0, by its l2type.
 constexpr unsigned n_index_kinds = 6;
 using IndexFn = uint32_t (*)(const Matrix *index, uint32_t k);

@@ -108,6 +108,18 @@ Matrix *releaseBehind(Matrix *result, Matrix *index) {
     return passResult(result);
 }
 
+// An element of the kinds that numeric loops read most; null for the others.
+Matrix *scalarAt(const Matrix *m, uint32_t i) {
+    if (m->l1type == L1::RM) return newRealScalarMat(m->rdata[i]);
+    if (m->l1type == L1::IM) return newIntScalarMat(m->ints()[i]);
+    return nullptr;
+}
+
+Matrix *quickElement(const Matrix *m, const Matrix *index) {
+    uint32_t i;
+    return quickIndex(index, m->length, i) ? scalarAt(m, i) : nullptr;
+}
+
 bool answersIndex(const Matrix *m) { return isFunction(m->l2type) || m->l2type == L2::OBJ; }
 
 Matrix *answerIndex(Matrix *m, Matrix *values, PcNode *node) {
@@ -139,6 +151,7 @@ Matrix *matRef(Matrix *m, Matrix *index, PcNode *node) { return matRefAt(m, inde
 Matrix *getMatRef(PcNode *node) {
     Matrix *m = pinMat(node->eval(0));
     Matrix *index = node->eval(1);
+    if (Matrix *element = quickElement(m, index)) return releaseBehind(element, index);
     if (answersIndex(m)) {
         index = listOfOne(index);
         return releaseBehind(answerIndex(m, index, node), index);
@@ -264,29 +277,9 @@ Matrix *getMatDiagM(PcNode *node) {
 
 // ---- Real scalars as indices of a variable: a variable of the domain Class_D or a literal
 
-namespace {
-
-bool readIndex(const Matrix *index, uint32_t bound, uint32_t &i) {
-    if (index->l1type != L1::RS) return false;
-    const double x = index->rdata[0];
-    if (!(x >= 1 && x <= bound)) return false;
-    i = static_cast<uint32_t>(x) - 1;
-    return true;
-}
-
-// Null for the kinds that the general handler serves.
-Matrix *scalarAt(const Matrix *m, uint32_t i) {
-    if (m->l1type == L1::RM) return newRealScalarMat(m->rdata[i]);
-    if (m->l1type == L1::IM) return newIntScalarMat(m->ints()[i]);
-    return nullptr;
-}
-
-}  // namespace
-
 Matrix *getMatRef_v_vrs(PcNode *node) {
     const Matrix *m = node->eval(0);
-    uint32_t i;
-    Matrix *element = readIndex(node->eval(1), m->length, i) ? scalarAt(m, i) : nullptr;
+    Matrix *element = quickElement(m, node->eval(1));
     return element ? element : getMatRef(node);
 }
 
@@ -294,7 +287,7 @@ Matrix *getMatRef2_v_vrs(PcNode *node) {
     const Matrix *m = node->eval(0);
     PcNode *indices = node->child(1);
     uint32_t i, j;
-    if (readIndex(indices->eval(0), m->nrows, i) && readIndex(indices->eval(1), m->ncols, j))
+    if (quickIndex(indices->eval(0), m->nrows, i) && quickIndex(indices->eval(1), m->ncols, j))
         if (Matrix *element = scalarAt(m, i * m->ncols + j)) return element;
     return getMatRef2(node);
 }

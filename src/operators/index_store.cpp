@@ -7,6 +7,7 @@
 #include "numerics/dense.h"
 #include "operators/dispatch.h"
 #include "operators/growth.h"
+#include "operators/index.h"
 #include "operators/index_source.h"
 
 namespace vesko {
@@ -234,5 +235,50 @@ const StoreFn refAsgnFun[n_families] = {
     refAsgnPlain<storeElements<int32_t>>,
     refAsgnPF,
 };
+
+// ---- One number in one place
+
+namespace {
+
+bool isQuickTarget(const Matrix *m, const Matrix *value) {
+    return (m->l1type == L1::RM || m->l1type == L1::IM) && m->nlinks() < 2 &&
+           (value->l1type == L1::RS || value->l1type == L1::IS);
+}
+
+void storeScalar(Matrix *m, uint32_t i, const Matrix *value) {
+    const bool real = value->l1type == L1::RS;
+    if (m->l1type == L1::RM)
+        m->rdata[i] = real ? value->rdata[0] : value->ints()[0];
+    else
+        m->ints()[i] = real ? truncToInt(value->rdata[0]) : value->ints()[0];
+}
+
+}  // namespace
+
+bool quickStore(Matrix *&slot, const Matrix *index, const Matrix *value) {
+    Matrix *m = slot;
+    uint32_t i;
+    if (!isQuickTarget(m, value)) return false;
+    if (!quickIndex(index, m->length, i)) {
+        if (!quickIndex(index, INT32_MAX, i)) return false;
+        if (m->nrows == 1)
+            m = growMat(slot, 1, i + 1);
+        else if (m->ncols == 1)
+            m = growMat(slot, i + 1, 1);
+        else
+            return false;
+    }
+    storeScalar(m, i, value);
+    return true;
+}
+
+bool quickStore2(Matrix *&slot, const Matrix *row, const Matrix *col, const Matrix *value) {
+    Matrix *m = slot;
+    uint32_t i, j;
+    if (!isQuickTarget(m, value) || !quickIndex(row, m->nrows, i) || !quickIndex(col, m->ncols, j))
+        return false;
+    storeScalar(m, i * m->ncols + j, value);
+    return true;
+}
 
 }  // namespace vesko

@@ -19,4 +19,9 @@ inline Matrix *refAsgn(Matrix *&slot, const IndexedPlaces &where, Matrix *value,
     return refAsgnFun[index(slot->l1type)](slot, where, value, node);
 }
 
+// Stores a real or integer scalar in one place of a real or integer matrix, by scalar indices; a vector may
+// grow by its flat index. False, with nothing done, for all else: the general store is to be asked.
+bool quickStore(Matrix *&slot, const Matrix *index, const Matrix *value);
+bool quickStore2(Matrix *&slot, const Matrix *row, const Matrix *col, const Matrix *value);
+
 }  // namespace vesko
