@@ -35,11 +35,13 @@ HistoryEntry *getNewCb(uint32_t nlines) {
     return entry;
 }
 
+// Both stand before either is entered: memory may be refused between them.
 static void makeSentinels() {
-    cmdhist.head = makeEntry(0);
-    cmdhist.tail = makeEntry(0);
-    cmdhist.head->next = cmdhist.tail;
-    cmdhist.tail->prev = cmdhist.head;
+    HistoryEntry *head = makeEntry(0), *tail = makeEntry(0);
+    head->next = tail;
+    tail->prev = head;
+    cmdhist.tail = tail;
+    cmdhist.head = head;
 }
 
 // The first line of the command from `line` on that has text, or null.
