@@ -21,11 +21,11 @@ inline double ddot(size_t n, const double *x, const double *y) {
 // ---- Matrix products, c (m by n) = a (m by k) * b (k by n), all row-major. Every element of c is summed
 // from 0 in order of the inner index, products rounded before they are added: on every machine the same bits.
 // c lies on neither operand.
-void matmul(const double *a, const double *b, double *c, uint32_t m, uint32_t k, uint32_t n);
+void matmul_dd(const double *a, const double *b, double *c, uint32_t m, uint32_t k, uint32_t n);
+void matmul_di(const double *a, const int32_t *b, double *c, uint32_t m, uint32_t k, uint32_t n);
+void matmul_id(const int32_t *a, const double *b, double *c, uint32_t m, uint32_t k, uint32_t n);
+void matmul_ii(const int32_t *a, const int32_t *b, int32_t *c, uint32_t m, uint32_t k, uint32_t n);
 void gemm(const double *a, const double *b, double *c, uint32_t m, uint32_t k, uint32_t n);  // for large ones
-void matmul(const double *a, const int32_t *b, double *c, uint32_t m, uint32_t k, uint32_t n);
-void matmul(const int32_t *a, const double *b, double *c, uint32_t m, uint32_t k, uint32_t n);
-void matmul(const int32_t *a, const int32_t *b, int32_t *c, uint32_t m, uint32_t k, uint32_t n);
 void matmul_bb(const uint8_t *a, const uint8_t *b, uint8_t *c, uint32_t m, uint32_t k, uint32_t n);
 void matmul_nn(const uint8_t *a, const uint8_t *b, uint8_t *c, uint32_t m, uint32_t k,
                uint32_t n);  // modulo 2

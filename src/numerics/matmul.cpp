@@ -35,7 +35,7 @@ static void rowDots(const double *a, const double *b, double *c, uint32_t m, uin
 constexpr uint64_t smallest_packed = 4096;
 constexpr uint32_t fewest_packed_rows = 4;
 
-void matmul(const double *a, const double *b, double *c, uint32_t m, uint32_t k, uint32_t n) {
+void matmul_dd(const double *a, const double *b, double *c, uint32_t m, uint32_t k, uint32_t n) {
     if (n == 1)
         rowDots(a, b, c, m, k);
     else if (m >= fewest_packed_rows && uint64_t{m} * k * n >= smallest_packed)
@@ -43,13 +43,13 @@ void matmul(const double *a, const double *b, double *c, uint32_t m, uint32_t k,
     else
         rowwise<double, double, double, double>(a, b, c, m, k, n);
 }
-void matmul(const double *a, const int32_t *b, double *c, uint32_t m, uint32_t k, uint32_t n) {
+void matmul_di(const double *a, const int32_t *b, double *c, uint32_t m, uint32_t k, uint32_t n) {
     rowwise<double, double, int32_t, double>(a, b, c, m, k, n);
 }
-void matmul(const int32_t *a, const double *b, double *c, uint32_t m, uint32_t k, uint32_t n) {
+void matmul_id(const int32_t *a, const double *b, double *c, uint32_t m, uint32_t k, uint32_t n) {
     rowwise<double, int32_t, double, double>(a, b, c, m, k, n);
 }
-void matmul(const int32_t *a, const int32_t *b, int32_t *c, uint32_t m, uint32_t k, uint32_t n) {
+void matmul_ii(const int32_t *a, const int32_t *b, int32_t *c, uint32_t m, uint32_t k, uint32_t n) {
     rowwise<int32_t, int32_t, int32_t, uint32_t>(a, b, c, m, k, n);
 }
 void matmul_bb(const uint8_t *a, const uint8_t *b, uint8_t *c, uint32_t m, uint32_t k, uint32_t n) {

@@ -2,6 +2,7 @@
 #include "engine/errors.h"
 #include "engine/handlers.h"
 #include "engine/interrupt.h"
+#include "numerics/complex_scalar.h"
 #include "operators/elementwise.h"
 #include "operators/operands.h"
 #include "operators/plain.h"
@@ -121,6 +122,11 @@ static T smallPower(T x, int32_t n) {
 
 static Matrix *complexSmallPower(double a, double b, int32_t n) {
     if (n == square) return newCompScalarMat(a * a - b * b, 2.0 * a * b);
+    if (n == square_root) {
+        double re, im;
+        cmpl_sqrt(a, b, re, im);
+        return newCompScalarMat(re, im);
+    }
     return newCompScalarMat((a * a - 3.0 * b * b) * a, (3.0 * a * a - b * b) * b);
 }
 
@@ -137,9 +143,7 @@ static Matrix *markedPower(const Matrix *base, int32_t mark) {
         case L2::IS:
             return mark == square_root ? scalarRoot(*base->ints())
                                        : newIntScalarMat(smallPower(*base->ints(), mark));
-        case L2::CS:
-            if (mark == square_root) return nullptr;
-            return complexSmallPower(*base->re()->rdata, *base->im()->rdata, mark);
+        case L2::CS: return complexSmallPower(*base->re()->rdata, *base->im()->rdata, mark);
         default: return nullptr;
     }
 }

@@ -48,10 +48,10 @@ bool sameBits(const std::vector<T> &x, const std::vector<T> &y) {
     return std::memcmp(x.data(), y.data(), x.size() * sizeof(T)) == 0;
 }
 
-template <class C, class Wide, class A, class B>
+template <auto kernel, class C, class Wide, class A, class B>
 void expectTripleLoop(const std::vector<A> &a, const std::vector<B> &b, uint32_t m, uint32_t k, uint32_t n) {
     std::vector<C> c(size_t{m} * n);
-    matmul(a.data(), b.data(), c.data(), m, k, n);
+    kernel(a.data(), b.data(), c.data(), m, k, n);
     EXPECT_TRUE(sameBits(c, tripleLoop<C, Wide>(a, b, m, k, n))) << m << " by " << k << " by " << n;
 }
 
@@ -60,7 +60,8 @@ TEST_F(Products, RealProductsHaveTheBitsOfTheTripleLoop) {
     for (int round = 0; round < 60; round++) {
         const uint32_t m = size(round % 3 ? 30 : 120), k = size(round % 4 ? 40 : 600),
                        n = size(round % 5 ? 30 : 130);
-        expectTripleLoop<double, double>(elements<double>(m * k), elements<double>(k * n), m, k, n);
+        expectTripleLoop<matmul_dd, double, double>(elements<double>(m * k), elements<double>(k * n), m, k,
+                                                    n);
     }
 }
 
@@ -69,9 +70,9 @@ TEST_F(Products, ColumnsAndRowsHaveTheBitsOfTheTripleLoop) {
     for (int round = 0; round < 20; round++) {
         const uint32_t m = size(100), k = size(300);
         const auto a = elements<double>(m * k);
-        expectTripleLoop<double, double>(a, elements<double>(k), m, k, 1);
-        expectTripleLoop<double, double>(elements<double>(m), a, 1, m, k);
-        expectTripleLoop<double, double>(elements<double>(m), elements<double>(k), m, 1, k);
+        expectTripleLoop<matmul_dd, double, double>(a, elements<double>(k), m, k, 1);
+        expectTripleLoop<matmul_dd, double, double>(elements<double>(m), a, 1, m, k);
+        expectTripleLoop<matmul_dd, double, double>(elements<double>(m), elements<double>(k), m, 1, k);
     }
 }
 
@@ -80,7 +81,7 @@ TEST_F(Products, InfinitiesAndNansStayInTheirPlaces) {
     std::vector<double> a(n * n, 1.0), b(n * n, 2.0), c(n * n);
     a[3 * n + 4] = std::numeric_limits<double>::infinity();
     b[20 * n + 20] = std::numeric_limits<double>::quiet_NaN();
-    matmul(a.data(), b.data(), c.data(), n, n, n);
+    matmul_dd(a.data(), b.data(), c.data(), n, n, n);
     for (uint32_t i = 0; i < n; i++)
         for (uint32_t j = 0; j < n; j++) {
             EXPECT_EQ(std::isnan(c[i * n + j]), j == 20) << i << ", " << j;
@@ -94,9 +95,9 @@ TEST_F(Products, IntegerAndMixedProducts) {
         const uint32_t m = size(20), k = size(20), n = size(20);
         const auto ia = elements<int32_t>(m * k), ib = elements<int32_t>(k * n);
         const auto da = elements<double>(m * k), db = elements<double>(k * n);
-        expectTripleLoop<int32_t, uint32_t>(ia, ib, m, k, n);
-        expectTripleLoop<double, double>(ia, db, m, k, n);
-        expectTripleLoop<double, double>(da, ib, m, k, n);
+        expectTripleLoop<matmul_ii, int32_t, uint32_t>(ia, ib, m, k, n);
+        expectTripleLoop<matmul_id, double, double>(ia, db, m, k, n);
+        expectTripleLoop<matmul_di, double, double>(da, ib, m, k, n);
     }
 }
 
@@ -122,8 +123,8 @@ TEST_F(Products, InPlaceProductsAgreeWithFreshOnes) {
         const uint32_t m = size(40), k = size(40);
         auto a = elements<double>(m * k), b = elements<double>(k * k), c = elements<double>(k * m);
         std::vector<double> ab(m * k), bc(k * m), scratch(k);
-        matmul(a.data(), b.data(), ab.data(), m, k, k);
-        matmul(b.data(), c.data(), bc.data(), k, k, m);
+        matmul_dd(a.data(), b.data(), ab.data(), m, k, k);
+        matmul_dd(b.data(), c.data(), bc.data(), k, k, m);
         matmul_AEAB(a.data(), b.data(), m, k, scratch.data());
         matmul_BEAB(b.data(), c.data(), k, m, scratch.data());
         EXPECT_TRUE(sameBits(a, ab));
