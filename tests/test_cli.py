@@ -148,6 +148,17 @@ class BadInput(unittest.TestCase):
         for left, right in ((b"(", b")"), (b"[", b"]"), (b"{", b"}")):
             self.check_goes_on(b"x = " + left * 100000 + b"1" + right * 100000 + b";")
 
+    def test_nested_blocks(self):
+        for head in (b"if 1, ", b"for 1, ", b"while 0, "):
+            self.check_goes_on(head * 100000 + b"1, " + b"end, " * 100000)
+
+    def test_a_block_of_many_lines(self):
+        body = b"".join(b"  a%d = %d;\n" % (k % 100, k) for k in range(50000))
+        self.check_goes_on(b"if 1\n" + body + b"end")
+
+    def test_many_branches(self):
+        self.check_goes_on(b"if 0\n" + b"elseif 0\n" * 20000 + b"else, 3\nend")
+
 
 class Signals(unittest.TestCase):
     def start(self):
