@@ -31,8 +31,6 @@ using PostfixFn = PcNode *(*)(Opr op, PcNode *left);
 using TokensFn = PcNode *(*)(Opr op, Token *left, Token *right);
 using JoinFn = PcNode *(*)(Opr op, PcNode *left, Token *right);
 
-PcNode *joinNode(Opr op, PcNode *left, Token *right);  // right null: postfix use
-
 // ---- Steps: ++ and --
 PcNode *buildPreStep(Opr op, Token *right);
 PcNode *buildPostStep(Opr op, Token *left);
@@ -51,7 +49,6 @@ PcNode *buildField(Opr op, Token *left, Token *right);
 // ---- Binary operators: node with its specialised handler, or the constant it folds to.
 PcNode *newBinaryNode(Opr op, PcNode *left, PcNode *right);
 PcNode *newProductNode(PcNode *left, PcNode *right);
-bool is_ds_const_node(const PcNode *node);
 bool is_ds_node(const PcNode *node);  // yields a real scalar, known at compile time
 bool isNumericConstant(const PcNode *node);
 bool allNumericConstants(const PcNode *node);

@@ -2,7 +2,6 @@
 // priorities is the grammar of expressions.
 #include <cassert>
 
-#include "console/command.h"
 #include "console/message.h"
 #include "frontend/builders.h"
 #include "frontend/parser.h"

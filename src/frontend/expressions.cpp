@@ -7,7 +7,6 @@
 #include "frontend/parser.h"
 #include "frontend/symbols.h"
 #include "operators/dispatch.h"
-#include "values/convert.h"
 
 namespace vesko {
 
@@ -167,7 +166,8 @@ static PcNode *postfixNode(Opr op, PcNode *left) {
     return postfix(op, left);
 }
 
-PcNode *joinNode(Opr op, PcNode *left, Token *right) {
+// Right null: postfix use.
+static PcNode *joinNode(Opr op, PcNode *left, Token *right) {
     if (!right) return postfixNode(op, left);
     JoinFn join = builders[index(op)].join;
     if (!join) syntaxError(left->line, "'%s' undefined as binary operator", opr2str(op));

@@ -22,7 +22,9 @@ bool is_ds_var_node(const PcNode *node) {
     return node->kind == Opr::Variable && holdsRealScalars(node->value);
 }
 
-bool is_ds_const_node(const PcNode *node) { return node->isConstant() && node->constant->l2type == L2::RS; }
+static bool is_ds_const_node(const PcNode *node) {
+    return node->isConstant() && node->constant->l2type == L2::RS;
+}
 
 bool is_ds_node(const PcNode *node) { return is_ds_const_node(node) || is_ds_var_node(node); }
 
@@ -58,6 +60,7 @@ static const VariableFast variable_fast[] = {
 
 static ExecFn fastHandler(const VariableFast &fast, const PcNode *node) {
     if (fast.alone) return fast.alone;
+    assert(node->ncub == 1);
     const PcNode *operand = node->child(0);
     if (is_ds_var_node(operand)) return fast.with_var;
     return is_ds_const_node(operand) ? fast.with_const : nullptr;
@@ -203,6 +206,7 @@ static Opr assignmentOf(const PcNode *node) {
 }
 
 void setAsgnOpr(PcNode *node) {
+    assert(!node->isConstant() && node->ncub == 2);
     setOpr(node, assignmentOf(node));
     if (lv_has_par(node)) ctscope->usesparent = true;
 }
