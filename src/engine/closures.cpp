@@ -29,17 +29,17 @@ const char *fieldNameOf(const PcNode *item) {
     return getFieldName(static_cast<uint32_t>(item->value) / n_attributes);
 }
 
-void requireFunction(const Matrix *m, PcNode *item) {
+void requireFunction(const Matrix *m, const PcNode *item, PcNode *node) {
     const char *field = fieldNameOf(item);
     switch (attributeOf(item)) {
         case Access::Common:
-            if (m->l2type != L2::UF) error_common_no_uf(item, field);
+            if (m->l2type != L2::UF) error_common_no_uf(node, field);
             break;
         case Access::Auto: {
-            if (m->l2type != L2::UF) error_auto_no_uf(item, field);
+            if (m->l2type != L2::UF) error_auto_no_uf(node, field);
             const FuncRecData *data = m->func()->data;
             if (data->nargs != 0 || data->nret() != 1)
-                error_auto_nargs(item, field, data->nargs, data->nret());
+                error_auto_nargs(node, field, data->nargs, data->nret());
             break;
         }
         default: break;
@@ -47,14 +47,14 @@ void requireFunction(const Matrix *m, PcNode *item) {
 }
 
 // p = v, or p = v in D. A value out of its domain leaves the parameter as it was.
-void setParm(sfield *parm, PcNode *item) {
+void setParm(sfield *parm, const PcNode *item, PcNode *node) {
     PcNode *source = item->child(0);
     bool declared = source->kind == NodeKind::In;
     Matrix *domain = pinMat(declared ? source->eval(1) : theCompleteMat());
     Matrix *value = declared ? source->eval(0) : source->exec(source);
     pinMat(value);
-    requireFunction(value, item);
-    if (memberOfSet(value, domain, item)) {
+    requireFunction(value, item, node);
+    if (memberOfSet(value, domain, node)) {
         replaceMat(parm->domain, domain);
         replaceMat(parm->value, value);
     } else {
@@ -65,12 +65,12 @@ void setParm(sfield *parm, PcNode *item) {
 }
 
 // The function's list has the public ones first.
-void setParms(FuncRec *f, PcNode *items) {
+void setParms(FuncRec *f, const PcNode *items, PcNode *node) {
     uint32_t k = 0;
     for (bool is_public : {true, false})
         for (uint32_t i = 0; i < items->ncub; i++)
             if ((attributeOf(items->child(i)) == Access::Public) == is_public)
-                setParm(f->parms->at<sfield>(k++), items->child(i));
+                setParm(f->parms->at<sfield>(k++), items->child(i), node);
 }
 
 }  // namespace
@@ -83,7 +83,7 @@ Matrix *setFuncParms(PcNode *node) {
     FuncRec *f = m->func();
     setCtVarVector(f->data->ctvars, node->child(1), node->child(2));
     setFuncExe(f->data);
-    setParms(f, node->child(0));
+    setParms(f, node->child(0), node);
     return unpinMat();
 }
 
