@@ -35,6 +35,7 @@ struct Target {
     Matrix *new_key;
 };
 
+bool isTarget(const PcNode *node);  // an expression that names a place
 Target openTarget(PcNode *lvalue);
 Matrix *uniquelize(Target &target);  // returns the target's value
 // Asks the domains on the path again; a refused change is undone, and ends with error_asgn_justify. Takes off

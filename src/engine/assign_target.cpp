@@ -48,6 +48,22 @@ static void pinPath(PcNode *lvalue) {
     }
 }
 
+bool isTarget(const PcNode *node) {
+    switch (node->kind) {
+        case NodeKind::Variable:
+        case NodeKind::GlobalVar:
+        case NodeKind::Parameter:
+        case NodeKind::Parent:
+        case NodeKind::Deref: return true;
+        case NodeKind::ListEntry:
+        case NodeKind::HashEntry:
+        case NodeKind::DfltHashEntry:
+        case NodeKind::Field: return isTarget(node->child(0));
+        case NodeKind::ParField: return true;
+        default: return false;
+    }
+}
+
 Target openTarget(PcNode *lvalue) {
     Target target{lvalue, pinCount(), nullptr, nullptr, nullptr, nullptr};
     pinPath(lvalue);

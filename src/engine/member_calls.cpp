@@ -1,5 +1,6 @@
 // Member calls, a.f(...): of the parameters of functions and built-ins, and of the fields of objects.
 #include "builtins/bfunc.h"
+#include "engine/assign.h"
 #include "engine/calls.h"
 #include "engine/errors.h"
 #include "engine/handlers.h"
@@ -7,6 +8,7 @@
 #include "frontend/symbols.h"
 #include "objects/object.h"
 #include "operators/dispatch.h"
+#include "values/convert.h"
 
 namespace vesko {
 
@@ -76,6 +78,21 @@ Matrix *callMemberNamed(Matrix *member, Matrix *owner, PcNode *node) {
     error_undef_opr(node, member, node->kind);
 }
 
+bool changesParent(const Matrix *member, const Matrix *owner) {
+    return member->l2type == L2::UF && member->func()->data->isMutator() && owner->l2type == L2::OBJ;
+}
+
+// A function that changes its parent gets an object of which no other holder sees the change; the domains on
+// the way to it are asked behind the call.
+Matrix *callOnTarget(Matrix *member, PcNode *place, PcNode *node, MemberCall call) {
+    pinMat(member);
+    Target target = openTarget(place);
+    Matrix *result = call(member, pinMat(uniquelize(target)), node);
+    result = keepResult(closeTarget(target, result, node));
+    releaseMat(unpinMat());
+    return passResult(result);
+}
+
 // Children: the field node, whose child is the owner, and the arguments. The parameters of a function that
 // belongs to no value of its own run with the function as parent.
 Matrix *doMemberCall(PcNode *node, MemberCall call) {
@@ -84,6 +101,11 @@ Matrix *doMemberCall(PcNode *node, MemberCall call) {
     Matrix *owner = pinMat(field->eval(0));
     Matrix *member = findMember(owner, field, node);
     if (!member) error_dne(node, fieldNameOf(field));
+    if (changesParent(member, owner)) {
+        unpinMat();
+        if (isTarget(field->child(0))) return callOnTarget(member, field->child(0), node, call);
+        owner = pinMat(owner->isTemp() ? owner : cloneMatrix(owner));
+    }
     pinMat(member);
     Matrix *result = keepResult(call(member, owner, node));
     releaseMat(unpinMat());
