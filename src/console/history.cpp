@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "console/worksheet.h"
+#include "engine/interrupt.h"
 #include "values/containers.h"
 #include "values/memory.h"
 
@@ -20,16 +21,19 @@ static HistoryEntry *makeEntry(uint32_t nlines) {
 
 static HistoryEntry *takeOldest() {
     HistoryEntry *entry = cmdhist.head->next;
+    holdInterrupt();
     cmdhist.head->next = entry->next;
     entry->next->prev = cmdhist.head;
     free_cmdhist_mempod = mergeMemPods(free_cmdhist_mempod, entry->mempod);
     entry->mempod = nullptr;
     freeVector(entry->lines, nullptr);
+    entry->lines = nullptr;
+    freeInterrupt();
     return entry;
 }
 
 HistoryEntry *getNewCb(uint32_t nlines) {
-    if (cmdhist.count <= cmdhist.limit) return makeEntry(nlines);
+    if (cmdhist.count <= cmdhist.limit || cmdhist.head->next == cmdhist.tail) return makeEntry(nlines);
     HistoryEntry *entry = takeOldest();
     entry->lines = newVector(nlines);
     return entry;
@@ -76,6 +80,7 @@ void writeCmdHist() {
     auto *text = static_cast<char *>(newMem(size, nullptr, free_cmdhist_mempod, entry->mempod));
     for (const Vsline *line = nextTextLine(vscr.cmdfirst); line; line = following(line))
         text = copyLine(entry, line, text);
+    holdInterrupt();
     entry->prev = cmdhist.tail->prev;
     entry->next = cmdhist.tail;
     entry->prev->next = entry;
@@ -83,6 +88,7 @@ void writeCmdHist() {
     ++cmdhist.count;
     cmdhist.cursor = entry;
     vscr.histdone = true;
+    freeInterrupt();
 }
 
 }  // namespace vesko
