@@ -15,7 +15,6 @@
 #include "engine/node.h"
 #include "engine/pins.h"
 #include "frontend/symbols.h"
-#include "values/pools.h"
 
 namespace vesko {
 
@@ -40,7 +39,10 @@ inline void giveDefaults(FuncFrame *frame, const FuncRecData *data, uint32_t k) 
 }
 
 inline void runStatements() {
-    while (PcNode *pc = top->pc) pc->exec(pc);
+    while (PcNode *pc = top->pc) {
+        countNode();
+        pc->exec(pc);
+    }
 }
 
 // Empties the slots from `first` on, as clearSlot does each.

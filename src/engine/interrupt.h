@@ -17,8 +17,12 @@ void fireInterrupt();  // jumps to the top level
 void intHandler(int signal);
 void installIntHandler();
 
-inline void holdInterrupt() { interrupt_hold = interrupt_hold + 1; }
+inline void holdInterrupt() {
+    interrupt_hold = interrupt_hold + 1;
+    __atomic_signal_fence(__ATOMIC_SEQ_CST);
+}
 inline void freeInterrupt() {
+    __atomic_signal_fence(__ATOMIC_SEQ_CST);
     interrupt_hold = interrupt_hold - 1;
     if (interrupt_hold == 0 && interrupt_pending) fireInterrupt();
 }

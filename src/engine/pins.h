@@ -30,7 +30,9 @@ inline Matrix *pinMat(Matrix *m) {
     if (npinned == pincap) [[unlikely]]
         growPins();
     linkMat(m);
-    pinned[npinned++] = m;
+    pinned[npinned] = m;
+    orderStores();
+    npinned++;
     return m;
 }
 

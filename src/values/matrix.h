@@ -130,7 +130,13 @@ struct Matrix {
 //    with keepResult / passResult.
 // 6. Nothing is released on an error path: the sweep at the head of the next command does it.
 
-inline void linkMat(Matrix *m) { m->status += 2; }
+// An interrupt may jump out between any two stores. What stands on both sides of this stays in its order.
+inline void orderStores() { __atomic_signal_fence(__ATOMIC_SEQ_CST); }
+
+inline void linkMat(Matrix *m) {
+    m->status += 2;
+    orderStores();  // linked before it is stored
+}
 
 void disposeMat(Matrix *m);  // frees a temporary: returns the record and its payload to their pools
 inline void releaseMat(Matrix *m) {
@@ -141,6 +147,7 @@ inline void releaseMat(Matrix *m) {
 // reported by xMesg.
 void dropLastLink(Matrix *m);
 inline void ucReleaseMat(Matrix *m) {
+    orderStores();  // out of its holder before the link goes
     if (m->nlinks() > 1)
         m->status -= 2;
     else
@@ -153,6 +160,7 @@ void noteTemporary(Matrix *m);
 
 // Gives a link back without a free. The value is a temporary if nobody else holds it.
 inline Matrix *detachMat(Matrix *m) {
+    orderStores();
     m->status -= 2;
     if (m->status == status_temporary && m->epoch != sweep_epoch) noteTemporary(m);
     return m;

@@ -15,8 +15,6 @@
 
 namespace vesko {
 
-inline void orderStores() { __atomic_signal_fence(__ATOMIC_SEQ_CST); }
-
 // A stretch of memory that holds records, each with its buffer behind it.
 struct Slab {
     Slab *next;

@@ -87,7 +87,8 @@ void setPayloadFree(L2 kind, PayloadFreeFn free_payload) {
 
 // ---- Giving records back
 
-// A free record keeps the tags of its class, and nothing that a second release could free.
+// A free record keeps the tags of its class and nothing that a second release could free: an interrupt may
+// catch it just after it was handed out, before its maker has tagged it.
 static void giveReal(Matrix *m) {
     PoolClass &pool = real_pool[m->libidx];
     if (m->libidx == 0) {
@@ -108,11 +109,17 @@ static void giveGeneral(Matrix *m) {
     giveRecord(general_pool[m->libidx], m);
 }
 
+static void givePlain(Matrix *m) {
+    m->l2type = L2::GV;
+    m->vdata = nullptr;
+    giveRecord(plain_pool, m);
+}
+
 static void giveBack(Home home, Matrix *m) {
     switch (home) {
         case Home::Real: return giveReal(m);
         case Home::General: return giveGeneral(m);
-        case Home::Plain: return giveRecord(plain_pool, m);
+        case Home::Plain: return givePlain(m);
         case Home::Nowhere: m->status = status_singleton;
     }
 }
