@@ -92,7 +92,7 @@ def signals(program, seconds):
     seed = random.randrange(1 << 30)
     print("seed %d" % seed)
     random.seed(seed)
-    source = WORK + 400 * (b"f(2000);\nx = (1, [2, 3], \"s\", ~);\n") + 2 * SIGN_OF_LIFE
+    source = WORK + 400 * (b"f(2000);\nx = (1, [2, 3], \"s\", ~);\n") + 200 * SIGN_OF_LIFE
     end, sent = time.time() + seconds, 0
     while time.time() < end:
         child = subprocess.Popen([program], stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.PIPE,

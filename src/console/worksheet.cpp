@@ -185,6 +185,11 @@ static uint32_t countUnreadLineEnds() {
     return n;
 }
 
+void dropCommand() {
+    countConsoleLines(countUnreadLineEnds());
+    vscr.ready = false;
+}
+
 void setCmdBuffStat() {
     if (!cmdbuffstat) {
         cmdbuffstat = true;

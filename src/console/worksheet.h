@@ -55,6 +55,7 @@ int getChar();         // next character of the command, or end_of_input
 bool grabLine();       // lets the user complete a line of the command; false at the end of the input
 void initVideoBuf();   // starts a new command
 void setCmdBuffStat();
+void dropCommand();  // what is unread of the command is not read any more: an interrupt abandons it
 Vsline *createVsline();
 void addlnbrk(bool redraw, LineKind kind, bool force);
 void printStr(const char *text, uint32_t length, bool redraw);

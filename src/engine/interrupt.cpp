@@ -6,6 +6,8 @@
 #include <algorithm>
 
 #include "console/command.h"
+#include "console/worksheet.h"
+#include "frontend/source.h"
 #include "values/audit.h"
 
 namespace vesko {
@@ -14,9 +16,17 @@ volatile std::sig_atomic_t interrupt_hold = 0;
 volatile std::sig_atomic_t interrupt_pending = 0;
 char *stack_limit = nullptr;
 
+// The rest of the line that is being read belongs to the command that is abandoned.
+static void dropConsoleInput() {
+    if (filelist->next) return;
+    while (filelist->extra[0]) getExtraCh();
+    dropCommand();
+}
+
 void fireInterrupt() {
     interrupt_pending = 0;
     tolerateExtraLinks();
+    dropConsoleInput();
     returnToTopLevel();
 }
 
