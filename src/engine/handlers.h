@@ -17,7 +17,7 @@ Matrix *initVarDomain_CV(PcNode *node);
 Matrix *initVarDomain_VC(PcNode *node);
 Matrix *initVarDomain_VV(PcNode *node);
 Matrix *doMultiVarAsgn_rhs_list(PcNode *node);
-Matrix *addAsgnBefore(PcNode *node);  // x = e + x
+Matrix *addAsgnBefore(PcNode *node);           // x = e + x
 Matrix *doMatRefPreIncNoOutput(PcNode *node);  // ++m[i] as a statement
 Matrix *doMatRefPreIncOutput(PcNode *node);    // with the new element as value
 Matrix *doMatRefPreDecNoOutput(PcNode *node);

@@ -63,7 +63,7 @@ void addPcCub(PcNode *node, PcNode *child);  // grows the children by one
 void recyclePcLib(PcNode *chain);            // gives a whole chain back; file links are dropped
 void recycleSMPcLib(PcNode *chain);          // the same for constant nodes; constants are dropped too
 uint32_t getPcNodesCount();
-void auditNodes(const PcNode *chain);        // for the audit of links: files and constants
+void auditNodes(const PcNode *chain);  // for the audit of links: files and constants
 
 // ---- The table.
 extern ExecFn pcOprn[n_node_kinds];

@@ -45,10 +45,10 @@ static Matrix *quotient(Matrix *a, Matrix *b, PcNode *node) {
     return elementwise<Dvd, L, R>(a, b, node);
 }
 
-#define SCALAR_PAIRS(X)                                                                                 \
-    X(RS, RS)                                                                                           \
-    X(RS, RM) X(RS, IS) X(RS, IM) X(RM, RS) X(RM, IS) X(IS, RS) X(IS, RM) X(IS, IS) X(IS, IM) X(IM, RS) \
-        X(IM, IS)
+#define SCALAR_PAIRS(X) \
+    X(RS, RS)           \
+    X(RS, RM)           \
+    X(RS, IS) X(RS, IM) X(RM, RS) X(RM, IS) X(IS, RS) X(IS, RM) X(IS, IS) X(IS, IM) X(IM, RS) X(IM, IS)
 #define BIND(L, R)                                                                                        \
     Matrix *mpy##L##_##R(Matrix *a, Matrix *b, PcNode *node) { return scaled<L1::L, L1::R>(a, b, node); } \
     Matrix *dvd##L##_##R(Matrix *a, Matrix *b, PcNode *node) { return quotient<L1::L, L1::R>(a, b, node); }

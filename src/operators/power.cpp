@@ -62,7 +62,8 @@ BIND(IM, IS)
 // A matrix is no exponent.
 #define BIND(L, R) \
     Matrix *pow##L##_##R(Matrix *, Matrix *, PcNode *node) { error_undef_opr2(node); }
-    BIND(RS, RM) BIND(RS, IM) BIND(RM, RM) BIND(RM, IM) BIND(IS, RM) BIND(IS, IM) BIND(IM, RM) BIND(IM, IM)
+BIND(RS, RM)
+BIND(RS, IM) BIND(RM, RM) BIND(RM, IM) BIND(IS, RM) BIND(IS, IM) BIND(IM, RM) BIND(IM, IM)
 #undef BIND
 
     // ---- Element by element.
@@ -154,8 +155,8 @@ static Matrix *powers(Matrix *a, Matrix *b, PcNode *node) {
 BIND(RS, RM)
 BIND(RS, IM)
 BIND(RM, RS)
-BIND(RM, RM) BIND(RM, IS) BIND(RM, IM) BIND(IS, RM) BIND(IS, IM) BIND(IM, RS) BIND(IM, RM) BIND(IM, IS)
-    BIND(IM, IM)
+BIND(RM, RM)
+BIND(RM, IS) BIND(RM, IM) BIND(IS, RM) BIND(IS, IM) BIND(IM, RS) BIND(IM, RM) BIND(IM, IS) BIND(IM, IM)
 #undef BIND
 
 }  // namespace vesko

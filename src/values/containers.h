@@ -70,9 +70,9 @@ void freeHashTable(hashtable *t);
 hashtable *copyHashTable(const hashtable *t);  // shares keys and values by link; the default is not copied
 void addHashData(hashtable *t, Matrix *key, Matrix *value);
 bool removeHashKey(hashtable *t, Matrix *key);  // removes only a key that stands first in its chain
-Matrix *findHashData(const hashtable *t, const Matrix *key);  // borrowed: data or the default
+Matrix *findHashData(const hashtable *t, const Matrix *key);    // borrowed: data or the default
 hashnode *findHashNode(const hashtable *t, const Matrix *key);  // null if absent
-Matrix **findHashDataAddr(hashtable *t, Matrix *key);         // adds the key with the empty value if absent
+Matrix **findHashDataAddr(hashtable *t, Matrix *key);           // adds the key with the empty value if absent
 Matrix **findDfltHashDataAddr(hashtable *t);
 void setDfltHashVal(hashtable *t, Matrix *value);
 Matrix *getDfltHashVal(const hashtable *t);
