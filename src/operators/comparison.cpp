@@ -52,12 +52,22 @@ VESKO_PLAIN_PAIRS(ORDERS)
 #define EQUALITY(L, R) BIND(equ, Equ, L, R)
 EQUALITY(RS, RM)
 EQUALITY(RS, IS)
-EQUALITY(RS, IM) EQUALITY(RM, RS) EQUALITY(RM, RM) EQUALITY(RM, IS) EQUALITY(RM, IM) EQUALITY(IS, RS)
-    EQUALITY(IS, RM) EQUALITY(IS, IS) EQUALITY(IS, IM) EQUALITY(IM, RS) EQUALITY(IM, RM) EQUALITY(IM, IS)
-        EQUALITY(IM, IM)
+EQUALITY(RS, IM)
+EQUALITY(RM, RS)
+EQUALITY(RM, RM)
+EQUALITY(RM, IS)
+EQUALITY(RM, IM)
+EQUALITY(IS, RS)
+EQUALITY(IS, RM)
+EQUALITY(IS, IS)
+EQUALITY(IS, IM)
+EQUALITY(IM, RS)
+EQUALITY(IM, RM)
+EQUALITY(IM, IS)
+EQUALITY(IM, IM)
 
-    // Two real scalars alone count NaN as equal to NaN; inside matrices it is unequal to everything.
-    bool equRS_RS(Matrix *left, Matrix *right, PcNode *) {
+// Two real scalars alone count NaN as equal to NaN; inside matrices it is unequal to everything.
+bool equRS_RS(Matrix *left, Matrix *right, PcNode *) {
     const double a = *left->rdata, b = *right->rdata;
     return a == b || (a != a && b != b);
 }

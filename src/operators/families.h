@@ -69,11 +69,14 @@ inline bool sameShape(const Matrix *a, const Matrix *b) {
 
 // The four families, and the sixteen pairs of them, for binding a template's members to their names.
 #define VESKO_PLAIN(X) X(RS) X(RM) X(IS) X(IM)
-#define VESKO_PLAIN_PAIRS(X)                                                                            \
-    X(RS, RS)                                                                                           \
-    X(RS, RM)                                                                                           \
-    X(RS, IS) X(RS, IM) X(RM, RS) X(RM, RM) X(RM, IS) X(RM, IM) X(IS, RS) X(IS, RM) X(IS, IS) X(IS, IM) \
-        X(IM, RS) X(IM, RM) X(IM, IS) X(IM, IM)
+#define VESKO_PLAIN_PAIRS(X) \
+    X(RS, RS)                \
+    X(RS, RM)                \
+    X(RS, IS)                \
+    X(RS, IM)                \
+    X(RM, RS)                \
+    X(RM, RM)                \
+    X(RM, IS) X(RM, IM) X(IS, RS) X(IS, RM) X(IS, IS) X(IS, IM) X(IM, RS) X(IM, RM) X(IM, IS) X(IM, IM)
 #define VESKO_MATRIX_PAIRS(X) X(RM, RM) X(RM, IM) X(IM, RM) X(IM, IM)
 
 }  // namespace vesko

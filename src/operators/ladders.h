@@ -19,12 +19,13 @@ namespace vesko {
     X(op, RS, PF)               \
     X(op, RM, PF) X(op, IM, PF) X(op, PF, RS) X(op, PF, RM) X(op, PF, IS) X(op, PF, IM) X(op, PF, PF)
 
-#define PF_VALUE_FUNCTIONS(X)                                                                  \
-    PF_PAIRS(X, sum)                                                                           \
-    PF_PAIRS(X, sub)                                                                           \
-    PF_PAIRS(X, mpy)                                                                           \
-    PF_PAIRS(X, dvd) PF_PAIRS(X, pow) PF_PAIRS(X, dpw) PF_PAIRS(X, mod) PF_DENSE_PAIRS(X, ddv) \
-        PF_DENSE_PAIRS(X, dmu) PF_DENSE_PAIRS(X, bsl)
+#define PF_VALUE_FUNCTIONS(X) \
+    PF_PAIRS(X, sum)          \
+    PF_PAIRS(X, sub)          \
+    PF_PAIRS(X, mpy)          \
+    PF_PAIRS(X, dvd)          \
+    PF_PAIRS(X, pow)          \
+    PF_PAIRS(X, dpw) PF_PAIRS(X, mod) PF_DENSE_PAIRS(X, ddv) PF_DENSE_PAIRS(X, dmu) PF_DENSE_PAIRS(X, bsl)
 #define PF_INPLACE_FUNCTIONS(X) \
     PF_INPLACE_PAIRS(X, add) PF_INPLACE_PAIRS(X, ded) PF_INPLACE_PAIRS(X, mul) PF_INPLACE_PAIRS(X, div)
 #define PF_TRUTH_FUNCTIONS(X) PF_PAIRS(X, equ) PF_PAIRS(X, les) PF_PAIRS(X, leq)

@@ -22,13 +22,26 @@ VESKO_MATRIX_PAIRS(VESKO_PAIR_OPS)
 #undef VESKO_PAIR_OPS
 
 // ---- The quick family, which may answer a temporary operand as its result.
-#define VESKO_QUICK_PAIRS(X)                                                                                \
-    X(qsum, RS, RS)                                                                                         \
-    X(qsum, RS, RM)                                                                                         \
-    X(qsum, RS, IS) X(qsum, RM, RS) X(qsum, RM, RM) X(qsum, RM, IS) X(qsum, RM, IM) X(qsum, IS, IS)         \
-        X(qsum, IS, IM) X(qsum, IM, IS) X(qsum, IM, IM) X(qsub, RS, RS) X(qsub, RS, RM) X(qsub, RM, RS)     \
-            X(qsub, RM, RM) X(qsub, IS, IS) X(qsub, IM, IS) X(qsub, IM, IM) X(qmpy, RS, RS) X(qmpy, RS, RM) \
-                X(qmpy, RM, RS) X(qmpy, RM, RM) X(qmpy, IS, IS) X(qmpy, IM, IS)
+#define VESKO_QUICK_PAIRS(X) \
+    X(qsum, RS, RS)          \
+    X(qsum, RS, RM)          \
+    X(qsum, RS, IS)          \
+    X(qsum, RM, RS)          \
+    X(qsum, RM, RM)          \
+    X(qsum, RM, IS)          \
+    X(qsum, RM, IM)          \
+    X(qsum, IS, IS)          \
+    X(qsum, IS, IM)          \
+    X(qsum, IM, IS)          \
+    X(qsum, IM, IM)          \
+    X(qsub, RS, RS)          \
+    X(qsub, RS, RM)          \
+    X(qsub, RM, RS)          \
+    X(qsub, RM, RM)          \
+    X(qsub, IS, IS)          \
+    X(qsub, IM, IS)          \
+    X(qsub, IM, IM)          \
+    X(qmpy, RS, RS) X(qmpy, RS, RM) X(qmpy, RM, RS) X(qmpy, RM, RM) X(qmpy, IS, IS) X(qmpy, IM, IS)
 VESKO_QUICK_PAIRS(VESKO_DECLARE)
 #undef VESKO_DECLARE
 

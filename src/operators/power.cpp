@@ -63,12 +63,18 @@ BIND(IM, IS)
 #define BIND(L, R) \
     Matrix *pow##L##_##R(Matrix *, Matrix *, PcNode *node) { error_undef_opr2(node); }
 BIND(RS, RM)
-BIND(RS, IM) BIND(RM, RM) BIND(RM, IM) BIND(IS, RM) BIND(IS, IM) BIND(IM, RM) BIND(IM, IM)
+BIND(RS, IM)
+BIND(RM, RM)
+BIND(RM, IM)
+BIND(IS, RM)
+BIND(IS, IM)
+BIND(IM, RM)
+BIND(IM, IM)
 #undef BIND
 
-    // ---- Element by element.
-    // What the least element tells: one NaN hides all the others.
-    struct Least {
+// ---- Element by element.
+// What the least element tells: one NaN hides all the others.
+struct Least {
     bool nan, negative;
 };
 static Least dMin(const Matrix *m) {
