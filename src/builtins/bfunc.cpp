@@ -62,12 +62,17 @@ static void addParms(Bfunc *bf, const BfParmList &parms) {
     }
 }
 
-Bfunc *make_bf(const BfRow &row) {
-    if (row.maintainer) return row.maintainer(BfOperation::Create, nullptr, nullptr, nullptr, 0);
+static Bfunc *make_parms_bf(const BfRow &row) {
     Bfunc *bf = make_Ni0p_bf(row.name, row.inputs, row.worker, parms_bf_maintainer);
-    bf->noFold = row.noFold;
-    bf->row = &row;
     addParms(bf, row.parms);
+    return bf;
+}
+
+Bfunc *make_bf(const BfRow &row) {
+    Bfunc *bf = row.maintainer ? row.maintainer(BfOperation::Create, nullptr, nullptr, nullptr, 0)
+                               : make_parms_bf(row);
+    bf->noFold |= row.noFold;
+    bf->row = &row;
     return bf;
 }
 

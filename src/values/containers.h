@@ -30,6 +30,7 @@ void initVecLib();
 Vector *newVector(uint32_t n);
 inline void *elementAt(const Vector *v, uint32_t i) { return v->data[i]; }
 uint32_t addElement(Vector *v, void *e);      // index of the entry
+void reserveElement(Vector *v);               // so that the next addElement cannot fail
 void removeElementAt(Vector *v, uint32_t i);  // the last entry takes the place
 bool removeElement(Vector *v, void *e);
 void removeElement_order_preserved(Vector *v, uint32_t i);

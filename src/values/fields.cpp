@@ -29,6 +29,7 @@ void freeSfield(void *field) {
 }
 
 void addStructField(Vector *fields, uint32_t index, Matrix *value, Matrix *domain) {
+    reserveElement(fields);
     addElement(fields, newSfield(index, value, domain));
 }
 

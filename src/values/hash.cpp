@@ -107,7 +107,7 @@ static hashnode *findNode(const hashtable *t, uint32_t bucket, const Matrix *key
 // A new node, in front of its chain.
 static hashnode *addNode(hashtable *t, uint32_t bucket, Matrix *key, Matrix *data) {
     holdInterrupt();
-    extendVectorBuffer(t->nodes, t->nodes->size + 1, t->nodes->size);
+    reserveElement(t->nodes);
     hashnode *n = newHashNode(t->nodes->size, key, data);
     n->next = firstOf(t, bucket);
     t->buckets->data[bucket] = n;

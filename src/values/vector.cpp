@@ -112,8 +112,12 @@ static void moveToLarger(Vector *v, uint32_t n, uint32_t used) {
     freeInterrupt();
 }
 
-uint32_t addElement(Vector *v, void *e) {
+void reserveElement(Vector *v) {
     if (v->size == v->cap) moveToLarger(v, 2 * v->cap, v->size);
+}
+
+uint32_t addElement(Vector *v, void *e) {
+    reserveElement(v);
     v->data[v->size] = e;
     return v->size++;
 }
@@ -156,6 +160,7 @@ void vector_swap(Vector *v, uint32_t i, uint32_t j) { std::swap(v->data[i], v->d
 // ---- Vectors of values
 
 uint32_t appendMatVecEntry(Vector *v, Matrix *m) {
+    reserveElement(v);
     linkMat(m);
     return addElement(v, m);
 }
