@@ -132,7 +132,7 @@ static void addConstants() {
     addConstant("pi", newRealScalarMat(0x1.921fb54442d18p1));
     addConstant("e", newRealScalarMat(0x1.5bf0a8b145769p1));
     addConstant("inf", newRealScalarMat(Real::infinity()));
-    addConstant("nan", newRealScalarMat(-Real::quiet_NaN()));
+    addConstant("nan", newRealScalarMat(Real::quiet_NaN()));
     addConstant("eps", newRealScalarMat(Real::epsilon()));
     addConstant("realmin", newRealScalarMat(Real::min()));
     addConstant("realmax", newRealScalarMat(Real::max()));

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <limits>
 
 #include "builtins/bfunc.h"
 #include "console/command.h"
@@ -34,10 +35,17 @@ static void startLine() {
     first_line = false;
 }
 
+// The sign of a NaN is an accident of the processor: it is not shown.
+static double shown(double x) { return std::isnan(x) ? std::numeric_limits<double>::quiet_NaN() : x; }
+template <class T>
+static T shown(T x) {
+    return x;
+}
+
 template <class... Args>
 static void addText(const char *format, Args... args) {
     char text[max_element_text];
-    const int n = snprintf(text, sizeof text, format, args...);
+    const int n = snprintf(text, sizeof text, format, shown(args)...);
     xPutText(text, std::min<uint32_t>(n, sizeof text - 1));
 }
 
@@ -81,7 +89,7 @@ static void dispRM(const double *data, uint32_t rows, uint32_t cols) {
 
 static void addComplex(double re, double im) {
     char text[max_element_text];
-    const int width = snprintf(text, sizeof text, "% 12.6g%-+.6gi ", re, im);
+    const int width = snprintf(text, sizeof text, "% 12.6g%-+.6gi ", shown(re), shown(im));
     xPutText(text, width);
     addText("%*c", std::max<int>(1, disp_uw_c - width), ' ');
 }
