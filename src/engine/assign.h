@@ -42,4 +42,9 @@ Matrix *uniquelize(Target &target);  // returns the target's value
 // all pins since openTarget. Returns the result, borrowed.
 Matrix *closeTarget(Target &target, Matrix *result, PcNode *node);
 
+// ---- Stores at once, between openTarget and uniquelize: where the target is a plain variable without a
+// domain there is nothing on the way that must be un-shared or asked.
+Matrix **plainSlot(const Target &target);                     // the variable's slot, or null
+Matrix *storedQuickly(const Target &target, Matrix *result);  // takes off all pins since openTarget
+
 }  // namespace vesko

@@ -32,26 +32,13 @@ Matrix *storeAt(Target &target, const IndexedPlaces &where, Matrix *value, PcNod
     return closeTarget(target, m, node);
 }
 
-// The slot of a base that is a plain variable without a domain, where single numbers are stored at once; or
-// null.
-Matrix **plainSlot(const PcNode *base) {
-    if (base->kind != NodeKind::Variable) return nullptr;
-    Variable *var = getVar(base->value);
-    return var->domain ? nullptr : &var->value;
-}
-
-Matrix *storedQuickly(const Target &target, Matrix *m) {
-    releasePins(target.first_pin);
-    return m;
-}
-
 Matrix *storeTwoIndices(PcNode *node, IndexForm form) {
     Target target = openTarget(baseOf(node));
     Matrix *value = pinMat(node->eval(1));
     PcNode *indices = indexOf(node);
     Matrix *row_values = pinMat(indices->eval(0));
     Matrix *col_values = pinMat(indices->eval(1));
-    Matrix **plain = plainSlot(target.lvalue);
+    Matrix **plain = plainSlot(target);
     if (plain && quickStore2(*plain, row_values, col_values, value)) return storedQuickly(target, *plain);
     const Matrix *m = uniquelize(target);
     const uint32_t cols = m->l2type == L2::NUL ? 0 : m->ncols;
@@ -68,7 +55,7 @@ Matrix *doRefAsgn(PcNode *node) {
     Matrix *value = pinMat(node->eval(1));
     PcNode *index = indexOf(node);
     Matrix *index_value = pinMat(index->exec(index));
-    Matrix **plain = plainSlot(target.lvalue);
+    Matrix **plain = plainSlot(target);
     if (plain && quickStore(*plain, index_value, value)) return storedQuickly(target, *plain);
     const Matrix *m = uniquelize(target);
     IndexedPlaces where{IndexForm::Flat, {}, {}, 0, 0};

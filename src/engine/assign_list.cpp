@@ -36,6 +36,19 @@ void storeIntoList(Matrix *&slot, const Matrix *index, uint32_t max, Matrix *val
     storeEntries(slot, run, value, each);
 }
 
+// One entry of an unshared list, or the one behind the last of a VL, by a real scalar; false where the
+// general way must decide.
+bool storeEntryQuickly(Matrix *&slot, const Matrix *index, Matrix *value) {
+    Matrix *list = slot;
+    if (!isList(list->l2type) || list->nlinks() > 1 || index->l2type != L2::RS) return false;
+    const double k = *index->rdata;
+    if (!(k >= 1.0 && k < list->length + (list->l2type == L2::VL ? 2.0 : 1.0))) return false;
+    const auto i = static_cast<uint32_t>(k);
+    if (i > list->length) list = vlGetNewLen(slot, i);
+    replaceMat(list->entries()[i - 1], value);
+    return true;
+}
+
 Matrix *newHashMat() {
     Matrix *m = newPfMat();
     m->l2type = L2::HASH;
@@ -63,6 +76,8 @@ Matrix *doListAsgn(PcNode *node) {
     Target target = openTarget(entry->child(0));
     Matrix *value = pinMat(node->eval(1));
     Matrix *index_value = pinMat(index_node->exec(index_node));
+    Matrix **plain = plainSlot(target);
+    if (plain && storeEntryQuickly(*plain, index_value, value)) return storedQuickly(target, value);
     const Matrix *list = uniquelize(target);
     if (!isList(list->l2type)) error_list_asgn_index_nolist(node, getdatatypestr(list->l2type));
     uint32_t max;

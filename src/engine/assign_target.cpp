@@ -70,6 +70,17 @@ Target openTarget(PcNode *lvalue) {
     return target;
 }
 
+Matrix **plainSlot(const Target &target) {
+    if (target.lvalue->kind != NodeKind::Variable) return nullptr;
+    Variable *var = getVar(static_cast<uint32_t>(target.lvalue->value));
+    return var->domain ? nullptr : &var->value;
+}
+
+Matrix *storedQuickly(const Target &target, Matrix *result) {
+    releasePins(target.first_pin);
+    return result;
+}
+
 // ---- The walk
 
 namespace {

@@ -36,7 +36,16 @@ struct Dvd {
     static int32_t apply(int32_t a, int32_t b) { return b == -1 ? Sub::apply(0, a) : a / b; }
 };
 struct Mod {
-    static double apply(double a, double b) { return std::fmod(a, b); }
+    // Whole operands of 32 bits, the ones that programs count with, divide as integers: the same result,
+    // sooner.
+    static double apply(double a, double b) {
+        constexpr double limit = 4294967296.0;
+        if (a >= 0 && a < limit && b >= 1 && b < limit) {
+            const uint32_t m = static_cast<uint32_t>(a), n = static_cast<uint32_t>(b);
+            if (m == a && n == b) return std::signbit(a) ? a : m % n;
+        }
+        return std::fmod(a, b);
+    }
     static int32_t apply(int32_t a, int32_t b) { return b == -1 ? 0 : a % b; }
 };
 
