@@ -59,7 +59,7 @@ Matrix *getTreeSlash(PcNode *node) { return evalBinary<dvdfun, Dvd>(node); }
 Matrix *getTreeDmu(PcNode *node) { return evalBinary<dmufun>(node); }
 Matrix *getTreeDdv(PcNode *node) { return evalBinary<ddvfun>(node); }
 Matrix *getTreeDpw(PcNode *node) { return evalBinary<dpwfun>(node); }
-Matrix *getTreeMod(PcNode *node) { return evalBinary<modfun>(node); }
+Matrix *getTreeMod(PcNode *node) { return evalBinary<modfun, Mod>(node); }
 Matrix *getTreeQSum(PcNode *node) { return evalBinary<qsumfun, Sum>(node); }
 Matrix *getTreeQSub(PcNode *node) { return evalBinary<qsubfun, Sub>(node); }
 Matrix *getTreeQProd(PcNode *node) { return evalProduct<qmpyfun>(node); }
