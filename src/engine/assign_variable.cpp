@@ -6,6 +6,7 @@
 #include "engine/handlers.h"
 #include "engine/pins.h"
 #include "operators/dispatch.h"
+#include "operators/elementwise.h"
 
 namespace vesko {
 
@@ -54,36 +55,48 @@ Matrix *compoundStore(PcNode *node, Matrix *operand) {
     return result;
 }
 
-template <InPlaceTable &table>
-Matrix *compoundAsgn(PcNode *node) {
-    return compoundStore<table>(node, node->eval(0));
+// A real scalar that no domain confines takes another one without more ado.
+bool stepsRealScalar(const Variable *var, const Matrix *operand) {
+    return !var->domain && var->value->l1type == L1::RS && operand->l1type == L1::RS;
+}
+
+template <class Op>
+Matrix *stepRealScalar(Matrix *&slot, Matrix *operand) {
+    const double x = Op::apply(*slot->rdata, *operand->rdata);
+    Matrix *target = unshare(slot);
+    *target->rdata = x;
+    releaseMat(operand);
+    return target;
+}
+
+template <InPlaceTable &table, class Op>
+Matrix *compoundAsgn(PcNode *node, Matrix *operand) {
+    Variable *var = getVar(node->value);
+    if (stepsRealScalar(var, operand)) return stepRealScalar<Op>(var->value, operand);
+    return compoundStore<table>(node, operand);
 }
 
 // For variables of the domain Class_D. A declaration that failed at run time leaves its variable without a
 // scalar, so the tags are looked at all the same.
 template <class Op>
-Matrix *scalarAsgn(PcNode *node, ExecFn general, Op op) {
+Matrix *scalarAsgn(PcNode *node, ExecFn general) {
     Matrix *operand = node->eval(0);
     Matrix *&slot = getVar(node->value)->value;
     if (operand->l1type != L1::RS || slot->l1type != L1::RS) return general(node);
-    Matrix *target = unshare(slot);
-    target->rdata[0] = op(target->rdata[0], operand->rdata[0]);
-    return target;
+    return stepRealScalar<Op>(slot, operand);
 }
 
 }  // namespace
 
-#define COMPOUND_ASGN(name, table, op)                                            \
-    Matrix *name(PcNode *node) { return compoundAsgn<table>(node); }              \
-    Matrix *name##_DD(PcNode *node) {                                             \
-        return scalarAsgn(node, name, [](double x, double y) { return x op y; }); \
-    }                                                                             \
+#define COMPOUND_ASGN(name, table, Op)                                                  \
+    Matrix *name(PcNode *node) { return compoundAsgn<table, Op>(node, node->eval(0)); } \
+    Matrix *name##_DD(PcNode *node) { return scalarAsgn<Op>(node, name); }              \
     Matrix *name##_DS(PcNode *node) { return name##_DD(node); }
 
-COMPOUND_ASGN(addAsgn, addfun, +)
-COMPOUND_ASGN(subAsgn, dedfun, -)
-COMPOUND_ASGN(mulAsgn, mulfun, *)
-COMPOUND_ASGN(dvdAsgn, divfun, /)
+COMPOUND_ASGN(addAsgn, addfun, Sum)
+COMPOUND_ASGN(subAsgn, dedfun, Sub)
+COMPOUND_ASGN(mulAsgn, mulfun, Mpy)
+COMPOUND_ASGN(dvdAsgn, divfun, Dvd)
 
 #undef COMPOUND_ASGN
 
@@ -92,7 +105,7 @@ Matrix *addAsgnBefore(PcNode *node) {
     Matrix *operand = node->eval(0);
     Variable *var = getVar(node->value);
     Matrix *old = var->value;
-    if (isNumeric(operand->l2type) && isNumeric(old->l2type)) return compoundStore<addfun>(node, operand);
+    if (isNumeric(operand->l2type) && isNumeric(old->l2type)) return compoundAsgn<addfun, Sum>(node, operand);
     const uint32_t first_pin = pinCount();
     pinMat(operand);
     pinMat(old);
