@@ -6,7 +6,7 @@
 #include "engine/handlers.h"
 #include "engine/interrupt.h"
 #include "operators/dispatch.h"
-#include "operators/families.h"
+#include "operators/elementwise.h"
 #include "operators/operands.h"
 
 namespace vesko {
@@ -60,10 +60,31 @@ template <const TruthFn *table, class Reals, bool swapped>
     });
 }
 
+// The real scalar that a leaf holds, or that a remainder, sum or difference of two leaves comes to: no record
+// is needed for it. False for all else, with nothing evaluated.
+static inline bool peekReal(const PcNode *node, double &x) {
+    if (const Matrix *m = peekLeaf(node)) {
+        if (m->l1type == L1::RS) x = *m->rdata;
+        return m->l1type == L1::RS;
+    }
+    double a, b;
+    switch (node->kind) {
+        case NodeKind::Mod:
+        case NodeKind::Sum:
+        case NodeKind::Sub: break;
+        default: return false;
+    }
+    if (!peekRealScalars(node->child(0), node->child(1), a, b)) return false;
+    x = node->kind == NodeKind::Mod   ? Mod::apply(a, b)
+        : node->kind == NodeKind::Sum ? Sum::apply(a, b)
+                                      : Sub::apply(a, b);
+    return true;
+}
+
 template <const TruthFn *table, class Reals, bool swapped = false>
 static inline bool compares(PcNode *node) {
     double x, y;
-    if (!peekRealScalars(node->child(0), node->child(1), x, y))
+    if (!peekReal(node->child(0), x) || !peekReal(node->child(1), y))
         return comparesTrees<table, Reals, swapped>(node);
     return swapped ? Reals()(y, x) : Reals()(x, y);
 }
