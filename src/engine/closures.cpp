@@ -88,7 +88,7 @@ Matrix *setFuncParms(PcNode *node) {
 }
 
 Matrix *copyThisFunc(PcNode *node) {
-    if (!top->func) error_not_built(node, "'this' outside a function");
+    if (!top->func) error_this_dne(node);
     return newUfMat(copyFuncRec(top->func));
 }
 
