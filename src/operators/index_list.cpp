@@ -6,6 +6,7 @@
 #include "objects/object.h"
 #include "operators/index.h"
 #include "operators/index_walk.h"
+#include "operators/operands.h"
 #include "values/containers.h"
 
 namespace vesko {
@@ -54,7 +55,17 @@ Matrix *fieldByKey(Matrix *object, const Matrix *key, PcNode *node) {
 
 }  // namespace
 
+// The entry of a variable's list by a real scalar at hand: nothing is evaluated, so nothing has to be held.
+// Null where the general way must decide.
+static Matrix *peekEntry(const PcNode *list_node, const PcNode *index_node) {
+    const Matrix *list = peekLeaf(list_node), *index = peekLeaf(index_node);
+    if (!list || !index || !isList(list->l2type) || index->l1type != L1::RS) return nullptr;
+    const double k = *index->rdata;
+    return k >= 1.0 && k < list->length + 1.0 ? list->entries()[static_cast<uint32_t>(k) - 1] : nullptr;
+}
+
 Matrix *getListEntry(PcNode *node) {
+    if (Matrix *entry = peekEntry(node->child(0), node->child(1))) return entry;
     Matrix *m = pinMat(node->eval(0));
     Matrix *result = isList(m->l2type) ? entryAt(m, node->child(1)) : onlyEntry(m, node->child(1));
     keepResult(result);
