@@ -169,9 +169,10 @@ class Signals(unittest.TestCase):
 
     def test_interrupt_abandons_the_command_and_keeps_the_variables(self):
         process = self.start()
-        process.stdin.write(b"x = 5;\nwhile 1 == 1\nx = x + 1;\nend\nx > 5\n1 + 1\n")
+        process.stdin.write(b"x = 5;\n7\nwhile 1 == 1\nx = x + 1;\nend\nx > 5\n1 + 1\n")
         process.stdin.flush()
-        time.sleep(0.5)
+        self.assertEqual(process.stdout.readline().split(), [b"7"])
+        time.sleep(0.3)
         process.send_signal(signal.SIGINT)
         output = process.communicate(timeout=30)[0].split()
         self.assertEqual((process.returncode, output), (0, [b"1", b"2"]))

@@ -88,6 +88,11 @@ end;
 """
 
 
+def ignore_interrupts():
+    """Interrupts that come before the program's own handler stands are dropped."""
+    signal.signal(signal.SIGINT, signal.SIG_IGN)
+
+
 def signals(program, seconds):
     seed = random.randrange(1 << 30)
     print("seed %d" % seed)
@@ -96,10 +101,9 @@ def signals(program, seconds):
     end, sent = time.time() + seconds, 0
     while time.time() < end:
         child = subprocess.Popen([program], stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
-                                 env=dict(os.environ, HOME="/nonexistent"))
+                                 env=dict(os.environ, HOME="/nonexistent"), preexec_fn=ignore_interrupts)
         with ThreadPoolExecutor(1) as pool:
             talk = pool.submit(child.communicate, source, SECONDS)
-            time.sleep(0.3)  # until the handler stands
             while child.poll() is None and time.time() < end:
                 child.send_signal(signal.SIGINT)
                 sent += 1
