@@ -55,9 +55,11 @@ void initialize() {
 // What a command left behind. All clean-up stands at the head of the next one, because control can leave any
 // function by a jump.
 static void cleanUp() {
+    holdInterrupt();
     throwVars();
     dumpFuncStack();
     cleanTempMats();
+    freeInterrupt();
 }
 
 void processCmd() {
@@ -70,9 +72,10 @@ void processCmd() {
 }
 
 void service() {
-    installIntHandler();
-    startFaults();
-    if (sigsetjmp(env, 1) != 0) {
+    if (sigsetjmp(env, 1) == 0) {
+        installIntHandler();  // an interrupt has its return point now
+        startFaults();
+    } else {
         resetInterruptHold();
         resetExceptions();
         cleanUp();

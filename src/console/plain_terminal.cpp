@@ -1,4 +1,5 @@
 // The plain terminal: standard input and output as streams of lines, 80 columns by 24 rows.
+#include <poll.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -60,16 +61,22 @@ void PlainTerminal::lineFinished(const Vsline &line) {
     }
 }
 
-// More bytes from standard input. The read can be left by an interrupt at any time: nothing has been taken
-// then.
+// More bytes from standard input. An interrupt can leave the wait, but not the reading: what has been taken
+// is kept.
 bool PlainTerminal::fillInput() {
     for (;;) {
+        pollfd input = {STDIN_FILENO, POLLIN, 0};
+        if (poll(&input, 1, -1) < 0 && errno == EINTR) continue;
+        holdInterrupt();
         ssize_t got = read(STDIN_FILENO, input_, sizeof input_);
-        if (got < 0 && errno == EINTR) continue;
-        if (got <= 0) return false;
-        input_pos_ = 0;
-        input_end_ = static_cast<size_t>(got);
-        return true;
+        const int error = errno;
+        if (got > 0) {
+            input_pos_ = 0;
+            input_end_ = static_cast<size_t>(got);
+        }
+        freeInterrupt();
+        if (got > 0) return true;
+        if (got == 0 || error != EINTR) return false;
     }
 }
 

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <initializer_list>
 
+#include "engine/interrupt.h"
 #include "values/containers.h"
 #include "values/pools.h"
 
@@ -178,15 +179,18 @@ static void setOwnWalks() {
 
 // Called when no temporary should be left. A fault ends the process.
 void auditLinks() {
+    holdInterrupt();  // an audit that is left half-way would leave its own tables so
     setOwnWalks();
     forEachLive([](Matrix *m) { m->audit_links = 0; });
     walkAll();
     forEachLive([](const Matrix *m) {
         if (!faulty) judge(m);
     });
-    if (!faulty) return;
-    std::fflush(stdout);
-    std::_Exit(99);
+    if (faulty) {
+        std::fflush(stdout);
+        std::_Exit(99);
+    }
+    freeInterrupt();
 }
 
 }  // namespace vesko
