@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "builtins/workers.h"
+#include "engine/errors.h"
 #include "engine/frame.h"
 #include "engine/handlers.h"
 #include "engine/node.h"
@@ -90,6 +91,13 @@ PcNode *getBFCallNode(uint32_t k, PcNode *args, uint32_t line) {
 static const BfRow rows[] = {
 #define BF(text, function, input_names, ...) \
     BfRow{.name = text, .worker = function, .inputs = input_names __VA_OPT__(, ) __VA_ARGS__},
+#define BF_LATER(text, input_names, room)                               \
+    BfRow{.name = text,                                                 \
+          .worker = [](Matrix *, Matrix **, PcNode *node) -> Matrix * { \
+              error_not_built(node, "'" text "' (" room ")");           \
+          },                                                            \
+          .inputs = input_names,                                        \
+          .noFold = true},
 #include "builtins/builtins.def"
 #undef BF
 };
