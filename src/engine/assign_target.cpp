@@ -271,6 +271,16 @@ Matrix **PathWalk::parentField(PcNode *lvalue) {
 
 }  // namespace
 
+Matrix *peekTarget(Target &target) {
+    const uint32_t n = pinCount();
+    PathWalk walk{target, false};
+    Matrix *value = *walk.slotOf(target.lvalue);
+    if (target.hash) value = getDfltHashVal(target.hash->table());
+    releasePins(n);
+    target.hash = nullptr;
+    return value;
+}
+
 Matrix *uniquelize(Target &target) {
     PathWalk walk{target, true};
     target.slot = walk.slotOf(target.lvalue);

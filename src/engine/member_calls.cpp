@@ -1,4 +1,5 @@
-// Member calls, a.f(...): of the parameters of functions and built-ins, and of the fields of objects.
+// Member calls, a.f(...): of the parameters of functions and built-ins, of the fields of objects, and of the
+// methods of all other values.
 #include "builtins/bfunc.h"
 #include "engine/assign.h"
 #include "engine/calls.h"
@@ -6,6 +7,7 @@
 #include "engine/handlers.h"
 #include "engine/pins.h"
 #include "frontend/symbols.h"
+#include "members/methods.h"
 #include "objects/object.h"
 #include "operators/dispatch.h"
 #include "values/convert.h"
@@ -51,10 +53,11 @@ Matrix *findMember(Matrix *owner, PcNode *field, PcNode *node) {
     switch (owner->l2type) {
         case L2::UF: return memberOfFunction(owner->func(), static_cast<uint32_t>(field->value));
         case L2::BF: return memberOfBuiltin(owner->builtin(), static_cast<uint32_t>(field->value));
-        case L2::OBJ: return memberOfObject(owner, field, node);
-        default: error_not_built(node, "a member function of this kind of value");
+        default: return memberOfObject(owner, field, node);
     }
 }
+
+bool hasMembers(const Matrix *owner) { return isFunction(owner->l2type) || owner->l2type == L2::OBJ; }
 
 // ---- How it is called
 
@@ -95,10 +98,12 @@ Matrix *callOnTarget(Matrix *member, PcNode *place, PcNode *node, MemberCall cal
 
 // Children: the field node, whose child is the owner, and the arguments. The parameters of a function that
 // belongs to no value of its own run with the function as parent.
-Matrix *doMemberCall(PcNode *node, MemberCall call) {
+Matrix *doMemberCall(PcNode *node, MemberCall call, Matrix *(*method)(Matrix *, PcNode *) = callMethod) {
     PcNode *field = node->child(0);
     if (field->kind == NodeKind::ForcedField) error_not_built(node, "calling a forced field");
-    Matrix *owner = pinMat(field->eval(0));
+    Matrix *owner = field->eval(0);
+    if (!hasMembers(owner)) return method(owner, node);
+    pinMat(owner);
     Matrix *member = findMember(owner, field, node);
     if (!member) error_dne(node, fieldNameOf(field));
     if (changesParent(member, owner)) {
@@ -120,6 +125,6 @@ Matrix *doMBFcall_1(PcNode *node) { return doMemberCall(node, callMember<&FuncRe
 Matrix *doMBFcall_2(PcNode *node) { return doMemberCall(node, callMember<&FuncRecData::call2>); }
 Matrix *doMBFcall_3(PcNode *node) { return doMemberCall(node, callMember<&FuncRecData::call3>); }
 Matrix *doMBFcall_7(PcNode *node) { return doMemberCall(node, callMember<&FuncRecData::call7>); }
-Matrix *doMBFcall_Np(PcNode *node) { return doMemberCall(node, callMemberNamed); }
+Matrix *doMBFcall_Np(PcNode *node) { return doMemberCall(node, callMemberNamed, callMethodNamed); }
 
 }  // namespace vesko

@@ -155,6 +155,7 @@ PcNode *buildCall(Opr, Token *left, Token *group) {
     if (isSingleIdentifier(left)) return buildNameCall(left, group);
     PcNode *callee = parseTokenList(left);
     if (isFieldNode(callee)) {
+        setPcCub(callee, 0, copyIfProtected(callee->child(0)));  // a method changes its owner
         PcNode *args = parseArgList(callee, group->first);
         return newMemberNode(callKind(Opr::MemberCall0, args->ncub), callee, args);
     }

@@ -6,6 +6,7 @@
 #include "engine/handlers.h"
 #include "engine/pins.h"
 #include "frontend/symbols.h"
+#include "members/auto_fields.h"
 #include "objects/object.h"
 
 namespace vesko {
@@ -124,16 +125,12 @@ Matrix *passFromOwner(Matrix *value) {
     return detachMat(value);
 }
 
-[[noreturn]] void errorNoField(uint32_t name, PcNode *node) {
-    if (name < N_AUTO_FIELDS) error_not_built(node, "automatic fields");
-    error_dne(node, getFieldName(name));
-}
-
 Matrix *readField(PcNode *node, Wanted wanted) {
     const uint32_t name = node->value;
     Matrix *owner = pinMat(node->eval(0));
     Matrix *value = fieldOf(owner, name, wanted, node);
-    if (!value) errorNoField(name, node);
+    if (!value) value = readAutoField(owner, name, node);
+    if (!value) error_dne(node, getFieldName(name));
     return passFromOwner(value);
 }
 
