@@ -1,12 +1,10 @@
 // Partial functions.
 #include "engine/partial.h"
 
-#include <initializer_list>
-
 #include "builtins/bfunc.h"
+#include "builtins/function_algebra.h"
 #include "engine/call_frame.h"
 #include "engine/handlers.h"
-#include "values/memory.h"
 
 namespace vesko {
 
@@ -14,16 +12,6 @@ namespace {
 
 // Positions of a value in the parameters of a partial function: the names are op1, op2, op3.
 enum PartialParm { parm_function, parm_args, parm_holes };
-
-Vector *partialParmNames() {
-    static Vector *names;
-    if (!names) {
-        Vector *made = newVector(3);
-        for (const char *name : {"op1", "op2", "op3"}) addElement(made, asEntry(findFieldIndexByStr(name)));
-        names = made;
-    }
-    return names;
-}
 
 // The symbol of argument k, from 0.
 uint32_t argumentName(const Matrix *f, uint32_t k) {
@@ -40,39 +28,11 @@ uint32_t argumentCount(const Matrix *f) {
     return n;
 }
 
-// Chains of inputs are kept for good, so equal ones are made once.
-BfInput *sharedInput(uint32_t symbol, BfInput *next) {
-    static Vector *made;
-    if (!made) made = newVector(8);
-    for (uint32_t k = 0; k < made->size; k++)
-        if (BfInput *input = made->at<BfInput>(k); input->symbol == symbol && input->next == next)
-            return input;
-    BfInput *input = newBlock<BfInput>();
-    linkMat(theEmptyMat());
-    *input = {symbol, theEmptyMat(), next};
-    addElement(made, input);
-    return input;
-}
-
 BfInput *holeInputs(const Matrix *f, const Matrix *holes) {
     BfInput *first = nullptr;
     for (uint32_t k = holes->length; k-- > 0;)
         first = sharedInput(argumentName(f, static_cast<uint32_t>(holes->ints()[k])), first);
     return first;
-}
-
-Matrix *newPartial(const char *name, BfWorker worker, Matrix *f, Matrix *args, Matrix *holes) {
-    Vector *values = newVector(3);
-    for (Matrix *m : {f, args, holes}) appendMatVecEntry(values, m);
-    Bfunc *bf = newBlock<Bfunc>();
-    *bf = {};
-    bf->name = findSymbolIndex(name);
-    bf->func = worker;
-    bf->nargs = holes->length;
-    bf->inputs = holeInputs(f, holes);
-    bf->parmNames = partialParmNames();
-    bf->parmValues = values;
-    return newBfMat(bf);
 }
 
 // The value for hole k: with one hole x itself, else the k-th entry.
@@ -122,11 +82,11 @@ Matrix *partial_bf_bf(Matrix *x, Matrix **parms, PcNode *node) {
 }  // namespace
 
 Matrix *newUfPartialMat(Matrix *f, Matrix *args, Matrix *holes) {
-    return newPartial("funcpartial", partial_uf_bf, f, args, holes);
+    return newGeneratedBf("funcpartial", partial_uf_bf, holeInputs(f, holes), {f, args, holes});
 }
 
 Matrix *newBfPartialMat(Matrix *f, Matrix *args, Matrix *holes) {
-    return newPartial("partial", partial_bf_bf, f, args, holes);
+    return newGeneratedBf("partial", partial_bf_bf, holeInputs(f, holes), {f, args, holes});
 }
 
 // Children: function, arguments with holes, positions of the holes.

@@ -7,9 +7,6 @@ namespace vesko {
 #define PENDING(handler, what) \
     Matrix *handler(PcNode *node) { error_not_built(node, what); }
 
-PENDING(getTreeFuncMul, "the product of functions")
-PENDING(getTreeFuncDiv, "the quotient of functions")
-PENDING(getTreeCompo, "the composition of functions")
 PENDING(doRegExpCompile, "a regular expression")
 
 PENDING(buildClass, "a class")

@@ -62,7 +62,7 @@ Matrix *answeredByMember(Matrix *object, uint32_t name, PcNode *node) {
 
 Matrix *memberOf(Matrix *object, uint32_t name, Wanted wanted, PcNode *node) {
     if (const xfield *slot = findObjSlot(objectOf(object), name)) {
-        const bool through_parent = node->child(0)->kind == NodeKind::Parent;
+        const bool through_parent = node->ncub && node->child(0)->kind == NodeKind::Parent;
         switch (slot->cv->attr) {
             case Access::Public:
             case Access::Readonly: return slot->value;

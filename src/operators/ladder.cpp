@@ -114,7 +114,8 @@ Pair meaningOf(const Matrix *a, const Matrix *b) {
 // ---- What the operators do: a row for each meaning, in the order of Pair; columns in the order of Arith.
 constexpr Step none = undefined, noquo = noQuotient, reals = asReals, prod = productOfRest;
 constexpr Step csum = complexSum, cquo = complexQuotient, celt = complexElements, mdim = multidimPair;
-constexpr Step falg = functionAlgebra, fmul = functionProduct, lists = overLists, range = rangePair;
+constexpr Step fsum = functionSum, fmul = functionProduct, fquo = functionQuotient, lists = overLists,
+               range = rangePair;
 constexpr Step rnum = rangeNumber, bnum = byteNumber, belt = byteElements, wait = notBuilt;
 constexpr Step cmul = complexProduct, bmul = byteProduct, bquo = byteQuotient;
 
@@ -132,7 +133,7 @@ constexpr Step steps[n_meanings][n_ariths - 1] = {
     {csum,          csum,          cmul,         cquo,  celt,  cquo,  cquo,  celt,  none},   // Complex
     {lists,         lists,         lists,        lists, lists, lists, lists, lists, lists},  // Lists
     {lists,         lists,         fmul,         lists, lists, lists, lists, lists, lists},  // FunctionList
-    {falg,          falg,          fmul,         falg,  falg,  falg,  falg,  falg,  falg},   // Function
+    {fsum,          fsum,          fmul,         fquo,  none,  none,  fquo,  none,  none},   // Function
     {mdim,          mdim,          mdim,         mdim,  mdim,  mdim,  mdim,  mdim,  mdim},   // Multidim
     {shiftText,     shiftText,     repeatText,   noquo, none,  none,  none,  none,  none},   // TextNumber
     {joinTexts,     subtractTexts, findText,     noquo, none,  none,  none,  none,  none},   // Texts

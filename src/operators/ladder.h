@@ -57,9 +57,14 @@ Matrix *subtractTexts(Arith op, Matrix *a, Matrix *b, PcNode *node);
 Matrix *findText(Arith op, Matrix *a, Matrix *b, PcNode *node);
 Matrix *shiftInterval(Arith op, Matrix *a, Matrix *b, PcNode *node);
 Matrix *intervalPair(Arith op, Matrix *a, Matrix *b, PcNode *node);
-Matrix *functionAlgebra(Arith op, Matrix *a, Matrix *b, PcNode *node);
-Matrix *functionProduct(Arith op, Matrix *a, Matrix *b, PcNode *node);  // a function times a value is a call
-Matrix *productOfRest(Arith op, Matrix *a, Matrix *b, PcNode *node);    // membership and look-up
+// ---- Functions. A function times a value is a call, of two functions the right one is applied first.
+Matrix *callFunction(Matrix *f, Matrix *argument, PcNode *node);
+Matrix *functionSum(Arith op, Matrix *a, Matrix *b, PcNode *node);
+Matrix *functionProduct(Arith op, Matrix *a, Matrix *b, PcNode *node);
+Matrix *functionQuotient(Arith op, Matrix *a, Matrix *b, PcNode *node);
+
+// ---- Anything else
+Matrix *productOfRest(Arith op, Matrix *a, Matrix *b, PcNode *node);  // membership and look-up
 Matrix *noQuotient(Arith op, Matrix *a, Matrix *b, PcNode *node);
 
 // The whole number that a value of one element holds.

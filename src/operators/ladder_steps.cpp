@@ -1,12 +1,8 @@
-// Steps that serve many kinds: conversion to real, dense storage, lists, functions, sets and tables as
-// factors.
+// Steps that serve many kinds: conversion to real, dense storage, lists, sets and tables as factors.
 #include <cassert>
 
-#include "builtins/bfunc.h"
-#include "engine/calls.h"
 #include "engine/errors.h"
 #include "engine/interrupt.h"
-#include "engine/pins.h"
 #include "operators/ladder.h"
 #include "values/containers.h"
 #include "values/convert.h"
@@ -125,33 +121,6 @@ Matrix *overLists(Arith op, Matrix *a, Matrix *b, PcNode *node) {
     for (uint32_t k = 0; k < shape->length; k++)
         addListEntry(list, apply(op, left ? a->entries()[k] : a, right ? b->entries()[k] : b, node));
     return list;
-}
-
-// ---- Functions
-
-Matrix *functionAlgebra(Arith, Matrix *, Matrix *, PcNode *node) {
-    error_not_built(node, "function algebra");
-}
-
-static Matrix *callPinned(Matrix *f, Matrix *argument, PcNode *node) {
-    if (f->l2type == L2::BF) return callBf(f->builtin(), argument, node);
-    const bool spreads = isList(argument->l2type) || argument->l2type == L2::NUL;
-    return spreads ? callUfByList(f->func(), argument, node) : callUfByMat(f->func(), argument, node);
-}
-
-// The call may change the variables that hold the function and the argument.
-static Matrix *callFunction(Matrix *f, Matrix *argument, PcNode *node) {
-    pinMat(f);
-    pinMat(argument);
-    Matrix *result = callPinned(f, argument, node);
-    unpinMat();
-    unpinMat();
-    return result;
-}
-
-Matrix *functionProduct(Arith op, Matrix *a, Matrix *b, PcNode *node) {
-    if (!isFunction(a->l2type) || isFunction(b->l2type)) return functionAlgebra(op, a, b, node);
-    return callFunction(a, b, node);
 }
 
 // ---- Products without a meaning as arithmetic. A set times a value tells whether the value belongs to it.

@@ -1,4 +1,5 @@
 // Negation and transpose of the PF kinds. The transpose of a complex value is its conjugate transpose.
+#include "builtins/function_algebra.h"
 #include "engine/errors.h"
 #include "engine/interrupt.h"
 #include "operators/ladder.h"
@@ -55,7 +56,7 @@ Matrix *negPF(Matrix *m, PcNode *node) {
         case L2::LS:
         case L2::VL: return negatedList(m, node);
         case L2::UF:
-        case L2::BF: return functionAlgebra(Arith::Sub, m, m, node);
+        case L2::BF: return newFNegBfMat(m);
         case L2::RMDM:
         case L2::CMDM: return negatedMultidim(m);
         default: error_undef_opr(node, m, NodeKind::Negative);

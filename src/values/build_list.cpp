@@ -1,4 +1,5 @@
 // Lists, sets, hash tables and structures out of their literals, and the operators on lists and sets.
+#include "builtins/function_algebra.h"
 #include "console/command.h"
 #include "engine/errors.h"
 #include "engine/handlers.h"
@@ -108,19 +109,19 @@ static Matrix *uniteIntervals(const Matrix *a, const Matrix *b) {
 static bool both(const Matrix *a, const Matrix *b, L2 kind) { return a->l2type == kind && b->l2type == kind; }
 
 Matrix *buildMatSetUnion(PcNode *node) {
-    return applyBinary(node, [node](Matrix *a, Matrix *b) {
+    return applyBinary(node, [](Matrix *a, Matrix *b) {
         if (both(a, b, L2::FSET))
             return newPayloadMat(L2::FSET, [a, b] { return makeSetUnion(a->table(), b->table()); });
         if (both(a, b, L2::ITV)) return uniteIntervals(a, b);
-        error_not_built(node, "unions of domains");
+        return newFUnionBfMat(a, b);
     });
 }
 
 Matrix *buildMatSetIntersection(PcNode *node) {
-    return applyBinary(node, [node](Matrix *a, Matrix *b) {
+    return applyBinary(node, [](Matrix *a, Matrix *b) {
         if (both(a, b, L2::FSET))
             return newPayloadMat(L2::FSET, [a, b] { return makeSetIntersection(a->table(), b->table()); });
-        error_not_built(node, "intersections of domains");
+        return newFIntersectBfMat(a, b);
     });
 }
 

@@ -1,6 +1,7 @@
 // Matrix literals: rows of blocks and stacks of rows. The kind of the result rises block by block.
 #include <cstring>
 
+#include "builtins/function_algebra.h"
 #include "engine/errors.h"
 #include "engine/handlers.h"
 #include "values/concat.h"
@@ -90,6 +91,7 @@ struct Join {
     }
 
     Matrix *finish(Matrix *list) const {
+        if (kind == BlockKind::Function) return joinFunctions(list);
         expandBlocks(list);
         const uint32_t sum = checkedLength(along, 1);
         return stacking == Stacking::Vertical ? catBlocks(kind, list, sum, across, stacking, node)

@@ -69,9 +69,9 @@ Matrix *catBlocks(BlockKind kind, const Matrix *list, uint32_t rows, uint32_t co
         case BlockKind::Complex: return catComplex(list, rows, cols, stacking);
         case BlockKind::BigInt: error_not_built(node, "big integers");
         case BlockKind::Mpf: error_not_built(node, "multi-precision floats");
-        case BlockKind::Function: error_not_built(node, "matrices of functions");
-        case BlockKind::String:
-        case BlockKind::None: return catstrings(list);
+        case BlockKind::String: return catstrings(list);
+        case BlockKind::Function:
+        case BlockKind::None: break;
     }
     __builtin_unreachable();
 }
