@@ -29,23 +29,6 @@ const char *fieldNameOf(const PcNode *item) {
     return getFieldName(static_cast<uint32_t>(item->value) / n_attributes);
 }
 
-void requireFunction(const Matrix *m, const PcNode *item, PcNode *node) {
-    const char *field = fieldNameOf(item);
-    switch (attributeOf(item)) {
-        case Access::Common:
-            if (m->l2type != L2::UF) error_common_no_uf(node, field);
-            break;
-        case Access::Auto: {
-            if (m->l2type != L2::UF) error_auto_no_uf(node, field);
-            const FuncRecData *data = m->func()->data;
-            if (data->nargs != 0 || data->nret() != 1)
-                error_auto_nargs(node, field, data->nargs, data->nret());
-            break;
-        }
-        default: break;
-    }
-}
-
 // p = v, or p = v in D. A value out of its domain leaves the parameter as it was.
 void setParm(sfield *parm, const PcNode *item, PcNode *node) {
     PcNode *source = item->child(0);
@@ -53,7 +36,7 @@ void setParm(sfield *parm, const PcNode *item, PcNode *node) {
     Matrix *domain = pinMat(declared ? source->eval(1) : theCompleteMat());
     Matrix *value = declared ? source->eval(0) : source->exec(source);
     pinMat(value);
-    requireFunction(value, item, node);
+    demandFieldFunction(value, attributeOf(item), fieldNameOf(item), node);
     if (memberOfSet(value, domain, node)) {
         replaceMat(parm->domain, domain);
         replaceMat(parm->value, value);

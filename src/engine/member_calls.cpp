@@ -32,32 +32,67 @@ Matrix *memberOfBuiltin(const Bfunc *bf, uint32_t name) {
     return nullptr;
 }
 
-Matrix *memberOfObject(const Matrix *object, const PcNode *field, PcNode *node) {
-    const uint32_t name = static_cast<uint32_t>(field->value);
-    const xfield *slot = findObjSlot(objectOf(object), name);
-    if (!slot) {
-        const sfield *acquired = findAcquiredField(objectOf(object), name);
-        return acquired ? acquired->value : nullptr;
-    }
+// `outside` says that the owner was not named by `parent`.
+Matrix *memberInSlot(const xfield *slot, bool outside, const PcNode *field, PcNode *node) {
     switch (slot->cv->attr) {
         case Access::Common:
         case Access::Auto: return slot->cv->value;
         case Access::Private:
-            if (field->child(0)->kind != NodeKind::Parent) error_mbuf_misuse(node, fieldNameOf(field));
+            if (outside) error_mbuf_misuse(node, fieldNameOf(field));
             return slot->value;
         default: return slot->value;
     }
 }
 
+// The node of the owner: x in x.f and in x::C.f.
+PcNode *ownerNode(const PcNode *field) {
+    PcNode *owner = field->child(0);
+    return field->kind == NodeKind::ForcedField ? owner->child(0) : owner;
+}
+
+const xfield *forcedSlot(const Matrix *object, const PcNode *field) {
+    Matrix *type = field->child(0)->eval(1);
+    const xfield *slot = nullptr;
+    if (type->l2type == L2::CLASS)
+        slot = findForcedObjField(objectOf(object), static_cast<uint32_t>(field->value), classOf(type));
+    releaseMat(type);
+    return slot;
+}
+
+Matrix *memberOfObject(Matrix *object, const PcNode *field, PcNode *node) {
+    const uint32_t name = static_cast<uint32_t>(field->value);
+    const bool outside = ownerNode(field)->kind != NodeKind::Parent;
+    if (field->kind == NodeKind::ForcedField) {
+        const xfield *slot = forcedSlot(object, field);
+        return slot ? memberInSlot(slot, outside, field, node) : nullptr;
+    }
+    if (const xfield *slot = findObjSlot(objectOf(object), name))
+        return memberInSlot(slot, outside, field, node);
+    const sfield *acquired = findAcquiredField(objectOf(object), name);
+    return acquired ? acquired->value : nullptr;
+}
+
+// A class has one member, its constructor, which runs with the class as parent.
+Matrix *memberOfClass(const Xclass *type, uint32_t name) {
+    return name == FIELD_INDEX_NEW ? type->head->matAt(Xclass::constructor_entry) : nullptr;
+}
+
 Matrix *findMember(Matrix *owner, PcNode *field, PcNode *node) {
+    const uint32_t name = static_cast<uint32_t>(field->value);
+    if (owner->l2type == L2::OBJ) return memberOfObject(owner, field, node);
+    if (field->kind == NodeKind::ForcedField)
+        error_forcing_no_obj(node, pcnode2str(ownerNode(field))->text());
     switch (owner->l2type) {
-        case L2::UF: return memberOfFunction(owner->func(), static_cast<uint32_t>(field->value));
-        case L2::BF: return memberOfBuiltin(owner->builtin(), static_cast<uint32_t>(field->value));
-        default: return memberOfObject(owner, field, node);
+        case L2::UF: return memberOfFunction(owner->func(), name);
+        case L2::BF: return memberOfBuiltin(owner->builtin(), name);
+        case L2::CLASS: return memberOfClass(classOf(owner), name);
+        default: return nullptr;
     }
 }
 
-bool hasMembers(const Matrix *owner) { return isFunction(owner->l2type) || owner->l2type == L2::OBJ; }
+bool hasMembers(const Matrix *owner) {
+    return isFunction(owner->l2type) || owner->l2type == L2::OBJ || owner->l2type == L2::CLASS;
+}
 
 // ---- How it is called
 
@@ -99,16 +134,16 @@ Matrix *callOnTarget(Matrix *member, PcNode *place, PcNode *node, MemberCall cal
 // Children: the field node, whose child is the owner, and the arguments. The parameters of a function that
 // belongs to no value of its own run with the function as parent.
 Matrix *doMemberCall(PcNode *node, MemberCall call, Matrix *(*method)(Matrix *, PcNode *) = callMethod) {
-    PcNode *field = node->child(0);
-    if (field->kind == NodeKind::ForcedField) error_not_built(node, "calling a forced field");
-    Matrix *owner = field->eval(0);
-    if (!hasMembers(owner)) return method(owner, node);
+    PcNode *field = node->child(0), *place = ownerNode(field);
+    countNode();
+    Matrix *owner = place->exec(place);
+    if (!hasMembers(owner) && field->kind != NodeKind::ForcedField) return method(owner, node);
     pinMat(owner);
     Matrix *member = findMember(owner, field, node);
     if (!member) error_dne(node, fieldNameOf(field));
     if (changesParent(member, owner)) {
         unpinMat();
-        if (isTarget(field->child(0))) return callOnTarget(member, field->child(0), node, call);
+        if (isTarget(place)) return callOnTarget(member, place, node, call);
         owner = pinMat(owner->isTemp() ? owner : cloneMatrix(owner));
     }
     pinMat(member);

@@ -9,6 +9,7 @@
 #include "engine/interrupt.h"
 #include "engine/pins.h"
 #include "frontend/symbols.h"
+#include "objects/object.h"
 #include "operators/dispatch.h"
 #include "values/memory.h"
 
@@ -98,9 +99,10 @@ Matrix *predicateValue(Matrix *predicate, Matrix *value, PcNode *node) {
     return callUfByMat(predicate->func(), value, node);
 }
 
-bool inClass(const Matrix *value, PcNode *node) {
+bool inClass(const Matrix *value, const Matrix *domain, PcNode *node) {
     if (value->l2type != L2::OBJ) return false;
-    error_not_built(node, "objects");
+    if (domain->l2type == L2::COND) error_not_built(node, "conditional classes");
+    return domain->l2type == L2::CLASS && isOfClass(value, domain);
 }
 
 // What a pointer points to now; null for what is no pointer, or points into a frame that is gone.
@@ -133,7 +135,7 @@ uint32_t memberOfSet(Matrix *value, Matrix *domain, PcNode *node) {
     switch (domain->l2type) {
         case L2::COMPLETE: return 1;
         case L2::ITV:
-            if (domain->nrows == 0) return inClass(value, node);
+            if (domain->nrows == 0) return inClass(value, domain, node);
             [[fallthrough]];
         case L2::IM:
         case L2::IS:
@@ -150,7 +152,7 @@ uint32_t memberOfSet(Matrix *value, Matrix *domain, PcNode *node) {
         case L2::BF: return isTrueResult(predicateValue(domain, value, node));
         case L2::FSET: return findSetMemberShip(domain->table(), value) == theTrueMat();
         case L2::CLASS:
-        case L2::COND: return inClass(value, node);
+        case L2::COND: return inClass(value, domain, node);
         case L2::PTRSET: return pointsInto(value, domain, node);
         case L2::GV: return inGlobal(value, domain, node);
         default: return isTrueResult(getMatProduct(value, domain, node));

@@ -9,9 +9,7 @@ namespace vesko {
 
 PENDING(doRegExpCompile, "a regular expression")
 
-PENDING(buildClass, "a class")
 PENDING(buildConditional, "a conditional class")
-PENDING(struct2obj, "a constructor")
 
 PENDING(setProcStates, "an automaton")
 PENDING(connectAutomatons, "a connection of automatons")

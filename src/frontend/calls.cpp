@@ -69,7 +69,9 @@ static PcNode *callThrough(Opr family, int32_t callee, PcNode *args) {
     return args;
 }
 
+// What a member of `parent` changes is the parent of the function that calls it.
 static PcNode *newMemberNode(Opr kind, PcNode *field, PcNode *args) {
+    if (lv_has_par(field)) ctscope->usesparent = true;
     PcNode *node = newPcNode(kind, no_value, 2, field->line);
     setPcCub(node, 0, field);
     setPcCub(node, 1, args);

@@ -148,9 +148,53 @@ PcNode *makeOneLineFunctionNode(Token *left, Token *right, uint32_t line) {
     return newClosureNode(c, closeFunction(entry, 1, npublic), line);
 }
 
-// ---- What waits for classes and automatons -------------------------------------------------------
+// ---- Constructors --------------------------------------------------------------------------------
 
-PcNode *readClass(InstNode *inst) { syntaxError(inst->token->line, "classes are not built yet"); }
+static Closure parseConstructor(const FuncHead &head, uint32_t line, const char *with_parameters,
+                                const char *with_results) {
+    Closure c = parseClosure(head, line);
+    if (c.parameters->ncub) syntaxError(line, "%s", with_parameters);
+    if (c.out_flags.domain) syntaxError(line, "constructor has output domain");
+    if (c.outputs->ncub > 1) syntaxError(line, "%s", with_results);
+    return c;
+}
+
+static PcNode *newMakingStatement(uint32_t line) {
+    PcNode *node = newPcNode(Opr::CmdList1, no_value, 1, line);
+    setPcCub(node, 0, newPcNode(Opr::MakeObject, no_value, 0, line));
+    return node;
+}
+
+// A `return` leads to the making of the object too.
+PcNode *readconstructor(InstNode *inst, uint32_t line) {
+    Token *head = headTokens(inst);
+    if (head) line = head->line;
+    Closure c = parseConstructor(getMapIOargs(head, line), line, "class constructor has parameters",
+                                 "constructor has mutiple output");
+    openFunction(c, 20);
+    ctscope->returnnode = newMakingStatement(line);
+    InstNode *body = inst->ncub > 1 ? inst->cub[1] : nullptr;
+    if (c.in_flags.domain) body = prepend(InstId::InputDomains, inst, body);
+    body = append(body, newInstNode(InstId::MakeObject, inst->token, 0));
+    return newClosureNode(c, closeFunction(buildFuncCodeTree(transformInstructList(body)), 1, 0), line);
+}
+
+// What stands behind the arrow is not read: the inputs say all.
+PcNode *makeOneLineConstructor(Token *left, uint32_t line) {
+    Closure c = parseConstructor(getOneLineMapIOargs(left), line, "constructor has parameters",
+                                 "constructor has multiple returns");
+    openFunction(c, 5);
+    return newClosureNode(c, closeFunction(newMakingStatement(line), 1, 0), line);
+}
+
+PcNode *makeDfltConstructor(uint32_t line) {
+    openScope('F', nullptr, 1);
+    registerVar(findSymbolIndex(""), nullptr);
+    return newMatPcNode(closeFunction(newMakingStatement(line), 1, 0), line);
+}
+
+// ---- What waits for conditional classes and automatons -------------------------------------------
+
 PcNode *readConditional(InstNode *inst) {
     syntaxError(inst->token->line, "conditional classes are not built yet");
 }

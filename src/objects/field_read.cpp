@@ -106,6 +106,10 @@ Matrix *forcedMember(const xfield *slot, Matrix *object, Wanted wanted, PcNode *
     return through_parent && isMemberOf(slot->cv) ? slot->value : nullptr;
 }
 
+Matrix *memberOfClass(const Xclass *type, uint32_t name) {
+    return name == FIELD_INDEX_SUPER ? type->bases() : nullptr;
+}
+
 // ---- The three forms
 
 Matrix *fieldOf(Matrix *x, uint32_t name, Wanted wanted, PcNode *node) {
@@ -113,6 +117,7 @@ Matrix *fieldOf(Matrix *x, uint32_t name, Wanted wanted, PcNode *node) {
         case L2::UF: return parameterOf(x, name, wanted, node);
         case L2::BF: return builtinParameterOf(x->builtin(), name);
         case L2::OBJ: return memberOf(x, name, wanted, node);
+        case L2::CLASS: return memberOfClass(classOf(x), name);
         case L2::COND: error_not_built(node, "conditional classes");
         default: return nullptr;
     }
@@ -141,9 +146,7 @@ Matrix *readParentField(PcNode *node, Wanted wanted) {
     switch (parent->l2type) {
         case L2::OBJ: value = parentMember(parent, name, wanted, node); break;
         case L2::UF: value = parameterOf(parent, name, wanted, node); break;
-        case L2::CLASS:
-            if (name == FIELD_INDEX_SUPER) value = classOf(parent)->head->matAt(Xclass::bases_entry);
-            break;
+        case L2::CLASS: value = memberOfClass(classOf(parent), name); break;
         default: break;
     }
     if (!value) error_dne(node, getFieldName(name));

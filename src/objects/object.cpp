@@ -12,7 +12,7 @@ namespace vesko {
 // ---- The class of plain structures: no fields, never freed
 
 static Vector nothing;
-static Xclass struct_class = {&nothing, &nothing, &nothing, not_found};
+static Xclass struct_class = {&nothing, &nothing, &nothing, not_found, 0, 0};
 static constinit Matrix struct_class_value = [] {
     Matrix m = {};
     m.l1type = L1::PF;
@@ -53,11 +53,25 @@ static void freeXfieldChain(void *first) {
     }
 }
 
-static xfield *copyXfieldChain(const xfield *first) {
-    xfield *copy = newXfield(first->cv, first->value);
-    for (xfield *tail = copy; first->next; first = first->next, tail = tail->next)
-        tail->next = newXfield(first->next->cv, first->next->value);
-    return copy;
+static ClassField *definitionOf(ClassField *cv) { return cv; }
+static ClassField *definitionOf(const xfield *slot) { return slot->cv; }
+
+// A slot for each definition of a chain, be it that of a class or of another object. The vector has room.
+template <class Definition>
+static void addSlots(Vector *slots, Definition *first) {
+    xfield *tail = newXfield(definitionOf(first), first->value);
+    addElement(slots, tail);
+    for (Definition *next = first->next; next; next = next->next)
+        tail = tail->next = newXfield(definitionOf(next), next->value);
+}
+
+Matrix *newObject(Matrix *classmat) {
+    const Xclass *type = classOf(classmat);
+    Matrix *object = newObjectMat(classmat, type->fields->size, 0);
+    holdInterrupt();
+    for (uint32_t k = 0; k < type->fields->size; k++) addSlots(objectOf(object)->xfields, type->field(k));
+    freeInterrupt();
+    return object;
 }
 
 Matrix *cloneObject(const Matrix *m) {
@@ -65,8 +79,7 @@ Matrix *cloneObject(const Matrix *m) {
     Matrix *clone = newObjectMat(obj->classmat, obj->xfields->size, obj->vlfields->size);
     Xobject *copy = objectOf(clone);
     holdInterrupt();
-    for (uint32_t k = 0; k < obj->xfields->size; k++)
-        addElement(copy->xfields, copyXfieldChain(obj->xfields->at<xfield>(k)));
+    for (uint32_t k = 0; k < obj->xfields->size; k++) addSlots(copy->xfields, obj->xfields->at<xfield>(k));
     for (uint32_t k = 0; k < obj->vlfields->size; k++) {
         const auto *field = obj->vlfields->at<sfield>(k);
         addStructField(copy->vlfields, field->index, field->value, field->domain);
@@ -94,13 +107,11 @@ static void auditObject(const Matrix *m) {
 void initObjects() {
     setPayloadFree(L2::OBJ, freeObject);
     setPayloadWalk(L2::OBJ, auditObject);
+    setPayloadFree(L2::CLASS, freeXclass);
+    setPayloadWalk(L2::CLASS, auditXclass);
 }
 
 // ---- Look-up
-
-uint32_t findClassFieldIndex(uint32_t name, const Xclass *type) {
-    return name < type->index->size ? type->index->numberAt(name) : not_found;
-}
 
 xfield *findObjSlot(const Xobject *obj, uint32_t name) {
     const uint32_t k = findClassFieldIndex(name, obj->type());

@@ -7,15 +7,13 @@
 #include <cstdint>
 
 #include "engine/node.h"
+#include "frontend/symbols.h"
 #include "values/containers.h"
 #include "values/matrix.h"
 
 namespace vesko {
 
 struct Xclass;
-
-// Attribute of a member, and of a parameter of a function.
-enum class Access : uint8_t { Public, Readonly, Common, Auto, Private };
 
 // A field as its class defines it. `next` is the definition of the same name in the next nearer base.
 struct ClassField {
@@ -32,8 +30,12 @@ struct Xclass {
     Vector *fields;     // ClassField: head of the chain of each name
     Vector *index;      // position in `fields` by field index, or not_found
     uint32_t validate;  // position of the field "validate", or not_found
+    uint64_t asked;     // number of the search for a distance that knows the next entry
+    uint32_t distance;
 
     static constexpr uint32_t constructor_entry = 0, bases_entry = 1, title_entry = 2;
+    Matrix *bases() const { return head->matAt(bases_entry); }
+    ClassField *field(uint32_t k) const { return fields->at<ClassField>(k); }
 };
 
 // The slot of one definition; the chain mirrors that of the class.
@@ -55,9 +57,28 @@ inline Xclass *classOf(const Matrix *m) { return static_cast<Xclass *>(m->vdata)
 
 extern Matrix *const Class_ST;  // the class of a plain structure
 
-void initObjects();  // at start: tells the pools how objects are freed
+void initObjects();  // at start: tells the pools how classes and objects are freed
 
-// ---- Making. Both return a value, temporary.
+// ---- Classes
+// A value of the kind, CLASS or COND, without entries: room for n fields and for field indices below
+// index_size.
+Matrix *makeXclass(L2 kind, uint32_t n_fields, uint32_t index_size);
+// A record for addClassField, which the class has room for; nothing may fail between the two.
+ClassField *makeClassField(uint32_t name, Access attr, Xclass *type, Matrix *value, Matrix *domain);
+void addClassField(uint32_t name, Xclass *type, ClassField *cv);  // in front of definitions of bases
+void inherit(Xclass *type, const Xclass *base);  // takes over the nearest definition of each field
+void freeXclass(Matrix *m);
+void auditXclass(const Matrix *m);
+uint32_t findClassDis(Xclass *type,
+                      const Xclass *other);  // steps to a base, or no_kin; 0 for the class itself
+constexpr uint32_t no_kin = not_found;
+bool isDerivedType(Xclass *type, const Xclass *other);         // other is a base, near or far
+bool isOfClass(const Matrix *object, const Matrix *classmat);  // of the class, or of one derived from it
+// A common or auto field must be a function, an auto one without inputs and with one output.
+void demandFieldFunction(const Matrix *value, Access attr, const char *field, PcNode *node);
+
+// ---- Making. All return a value, temporary.
+Matrix *newObject(Matrix *classmat);     // with the defaults of the class
 Matrix *newClassLessObject(uint32_t n);  // room for n acquired fields
 Matrix *cloneObject(const Matrix *m);    // the values of the fields stay shared
 

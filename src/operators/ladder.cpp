@@ -28,8 +28,9 @@ enum class Pair : uint8_t {
     Texts,
     IntervalNumber,
     Intervals,
+    Object,
 };
-constexpr unsigned n_meanings = 17;
+constexpr unsigned n_meanings = 18;
 
 // ---- Two PF operands: the meaning of the pair codes, in runs.
 struct CodeRun {
@@ -66,7 +67,7 @@ constexpr CodeRun code_runs[] = {
     {66, 66, Pair::Function},        // UF with a value
     {67, 67, Pair::FunctionList},    // BF with a list
     {68, 68, Pair::Function},        // BF with a value
-    {69, 69, Pair::Unbuilt},         // OBJ with anything
+    {69, 69, Pair::Object},          // OBJ with anything
     {70, 77, Pair::Multidim},        // RMDM, CMDM with numbers, CS and each other
     {78, 78, Pair::TextNumber},      // TX with RNG, BY, BI, BIGINT, MPF
     {79, 79, Pair::Texts},           // TX, TX
@@ -94,7 +95,7 @@ constexpr KindMeaning kind_meanings[] = {
     {L2::BAND, Pair::Unbuilt},       {L2::SPARSE, Pair::Unbuilt}, {L2::PM, Pair::Dense},
     {L2::BIGINT, Pair::Unbuilt},     {L2::MPF, Pair::Unbuilt},    {L2::CS, Pair::Complex},
     {L2::CM, Pair::Complex},         {L2::LS, Pair::Lists},       {L2::VL, Pair::Lists},
-    {L2::UF, Pair::Function},        {L2::BF, Pair::Function},    {L2::OBJ, Pair::Unbuilt},
+    {L2::UF, Pair::Function},        {L2::BF, Pair::Function},    {L2::OBJ, Pair::Object},
     {L2::RMDM, Pair::Multidim},      {L2::CMDM, Pair::Multidim},  {L2::TX, Pair::TextNumber},
     {L2::ITV, Pair::IntervalNumber},
 };
@@ -117,7 +118,7 @@ constexpr Step csum = complexSum, cquo = complexQuotient, celt = complexElements
 constexpr Step fsum = functionSum, fmul = functionProduct, fquo = functionQuotient, lists = overLists,
                range = rangePair;
 constexpr Step rnum = rangeNumber, bnum = byteNumber, belt = byteElements, wait = notBuilt;
-constexpr Step cmul = complexProduct, bmul = byteProduct, bquo = byteQuotient;
+constexpr Step cmul = complexProduct, bmul = byteProduct, bquo = byteQuotient, obj = objectOperator;
 
 // clang-format off
 constexpr Step steps[n_meanings][n_ariths - 1] = {
@@ -139,6 +140,7 @@ constexpr Step steps[n_meanings][n_ariths - 1] = {
     {joinTexts,     subtractTexts, findText,     noquo, none,  none,  none,  none,  none},   // Texts
     {shiftInterval, shiftInterval, prod,         noquo, none,  none,  none,  none,  none},   // IntervalNumber
     {intervalPair,  intervalPair,  intervalPair, noquo, none,  none,  none,  none,  none},   // Intervals
+    {obj,           obj,           obj,          obj,   obj,   obj,   obj,   none,  none},   // Object
 };
 // clang-format on
 

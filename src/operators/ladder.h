@@ -64,7 +64,8 @@ Matrix *functionProduct(Arith op, Matrix *a, Matrix *b, PcNode *node);
 Matrix *functionQuotient(Arith op, Matrix *a, Matrix *b, PcNode *node);
 
 // ---- Anything else
-Matrix *productOfRest(Arith op, Matrix *a, Matrix *b, PcNode *node);  // membership and look-up
+Matrix *objectOperator(Arith op, Matrix *a, Matrix *b, PcNode *node);  // a member of the left operand
+Matrix *productOfRest(Arith op, Matrix *a, Matrix *b, PcNode *node);   // membership and look-up
 Matrix *noQuotient(Arith op, Matrix *a, Matrix *b, PcNode *node);
 
 // The whole number that a value of one element holds.

@@ -43,8 +43,7 @@ static Matrix *powerOfKind(Matrix *a, Matrix *b, PcNode *node) {
         case L2::BAND:
         case L2::SPARSE:
         case L2::BIGINT:
-        case L2::MPF:
-        case L2::OBJ: error_kind_not_built(node, a->l2type);
+        case L2::MPF: error_kind_not_built(node, a->l2type);
         case L2::CM: return wholePower(matpow_c, a, b, node);
         case L2::BY: return wholePower(matpow_b, a, b, node);
         case L2::BI: return wholePower(matpow_n, a, b, node);
@@ -54,6 +53,7 @@ static Matrix *powerOfKind(Matrix *a, Matrix *b, PcNode *node) {
 
 // An exponent is one number; bases that are no numbers fail in the conversion.
 static Matrix *power(Matrix *a, Matrix *b, PcNode *node) {
+    if (a->l2type == L2::OBJ) return objectOperator(Arith::Pow, a, b, node);
     if (b->length != 1 || !isNumeric(b->l2type)) error_undef_opr2(node);
     if (b->l2type == L2::BIGINT || b->l2type == L2::MPF) error_kind_not_built(node, b->l2type);
     if (a->l2type == L2::CS || b->l2type == L2::CS) return complexPower(a, b, node);

@@ -56,7 +56,6 @@ static const char *unbuiltKind(L2 kind) {
         case L2::SPARSE: return "sparse matrices";
         case L2::BIGINT: return "big integers";
         case L2::MPF: return "multi-precision floats";
-        case L2::OBJ: return "objects";
         case L2::REGEXP: return "regular expressions";
         default: return nullptr;
     }

@@ -1,5 +1,6 @@
 // Subset tests between values that are sets: finite sets, intervals, classes, and the set of everything.
 #include "engine/errors.h"
+#include "objects/object.h"
 #include "operators/dispatch.h"
 #include "values/containers.h"
 
@@ -39,7 +40,7 @@ bool isWithin(const Matrix *a, const Matrix *b, PcNode *node, Form form) {
             if (b->l2type == L2::ITV) return intervalWithin(a, b, form);
             break;
         case L2::CLASS:
-            if (b->l2type == L2::CLASS) error_not_built(node, "derived classes");
+            if (b->l2type == L2::CLASS) return isDerivedType(classOf(a), classOf(b));
             break;
         default: break;
     }

@@ -99,8 +99,9 @@ Matrix *findSetMember(const xset *s, const Matrix *m);      // the set's own rec
 void addListEntry(Matrix *list, Matrix *m);  // links m; the list must have room
 
 // ---- Struct fields: also the parameters of functions.
+enum class Access : uint8_t { Public, Readonly, Common, Auto, Private };  // attribute of a field
 struct sfield {
-    uint8_t flag;    // attribute
+    uint8_t flag;    // Access
     uint32_t index;  // field index
     Matrix *domain;  // linked
     Matrix *value;   // linked
