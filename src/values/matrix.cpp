@@ -264,9 +264,13 @@ Matrix *newCompMat(Matrix *re, Matrix *im) {
 
 static Matrix *newMultidim(uint32_t length, Vector *extents, L2 kind, uint32_t doubles_per_element) {
     Matrix *m = newPfMat();
-    m->rdata = mallocArray<double>(size_t{length} * doubles_per_element);
     m->vdata = extents;
-    return tagged(m, L1::PF, kind, length, extents->size, 0);
+    tagged(m, L1::PF, kind, 0, extents->size, 0);  // owns the extents, should the elements be refused
+    holdInterrupt();
+    m->rdata = mallocArray<double>(size_t{length} * doubles_per_element);
+    m->length = length;
+    freeInterrupt();
+    return m;
 }
 
 Matrix *newRMDM_Mat(uint32_t length, Vector *extents) { return newMultidim(length, extents, L2::RMDM, 1); }

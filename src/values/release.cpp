@@ -31,7 +31,8 @@ static void freeParts(Matrix *m) {
 
 // Counts 8 bytes an element for the complex kind too, so that the counter of memory drifts upward: accepted.
 static void freeMultidim(Matrix *m) {
-    m_free(m->rdata, m->length * sizeof(double));
+    const size_t doubles = size_t{m->length} * (m->l2type == L2::CMDM ? 2 : 1);
+    m_free(m->rdata, doubles * sizeof(double));
     freeVector(static_cast<Vector *>(m->vdata), nullptr);
 }
 
