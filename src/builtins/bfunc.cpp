@@ -135,7 +135,9 @@ static Bfunc *spawnByRow(const Bfunc *bf, Vector *values) {
 
 static Bfunc *resetByRow(Bfunc *bf, Matrix *value, uint32_t field) {
     const uint32_t i = findParm(bf, field);
-    if (i == not_found || !bf->row->parms.first[i].accepts(value)) return nullptr;
+    if (i == not_found) return nullptr;
+    const BfParm &parm = bf->row->parms.first[i];
+    if (!(parm.accepts_reset ? parm.accepts_reset : parm.accepts)(value)) return nullptr;
     updateMatVecEntry(bf->parmValues, i, value);
     return bf;
 }

@@ -23,11 +23,12 @@ struct BfInput {
     BfInput *next;
 };
 
-// A parameter of a built-in: its default value, and which values a spawn or an assignment may give it.
+// A parameter of a built-in: its default value, and which values a spawn and an assignment may give it.
 struct BfParm {
     const char *name;
     Matrix *(*dflt)();
     bool (*accepts)(const Matrix *value);
+    bool (*accepts_reset)(const Matrix *value) = nullptr;  // null: as a spawn
 };
 struct BfParmList {
     const BfParm *first = nullptr;

@@ -2,6 +2,7 @@
 #include "numerics/complex_scalar.h"
 
 #include <cmath>
+#include <complex>
 #include <numbers>
 
 namespace vesko {
@@ -69,12 +70,10 @@ void real_cmpl_pow(double a, double bre, double bim, double &re, double &im) {
     cmpl_cmpl_pow(a, 0, bre, bim, re, im);
 }
 
-// The larger part comes from a sum without cancellation, the smaller one from the product of both.
 void cmpl_sqrt(double are, double aim, double &re, double &im) {
-    const double larger = std::sqrt((std::fabs(are) + std::hypot(are, aim)) / 2);
-    const double smaller = larger == 0.0 ? aim : aim / (2 * larger);
-    re = are >= 0.0 ? larger : std::fabs(smaller);
-    im = are >= 0.0 ? smaller : std::copysign(larger, aim);
+    const std::complex<double> root = std::sqrt(std::complex<double>(are, aim));
+    re = root.real();
+    im = root.imag();
 }
 
 }  // namespace vesko

@@ -1,0 +1,85 @@
+// What values are, and values of one kind made from those of another.
+#include "builtins/arguments.h"
+#include "builtins/workers.h"
+#include "engine/errors.h"
+#include "engine/frame.h"
+#include "frontend/symbols.h"
+#include "objects/object.h"
+#include "operators/ladder.h"
+#include "values/convert.h"
+
+namespace vesko {
+
+Matrix *type_bf(Matrix *x, Matrix **, PcNode *) { return newStrMatCopy(getdatatypestr(x->l2type)); }
+
+static Matrix *count(uint32_t n) { return newIntScalarMat(static_cast<int32_t>(n)); }
+
+// Kind, rows, columns, and how many hold the value.
+Matrix *matinfo_bf(Matrix *x, Matrix **, PcNode *) {
+    Matrix *const info[] = {newStrMatCopy(getdatatypestr(x->l2type)), count(x->nrows), count(x->ncols),
+                            count(x->nlinks())};
+    Matrix *list = newListMat(std::size(info));
+    for (Matrix *m : info) addListEntry(list, m);
+    return list;
+}
+
+// ---- Names
+
+static bool isVariable(uint32_t symbol) {
+    if (inTopLevel()) return findVarIndex(symbol) != not_found;
+    const Vector *vars = top->func ? top->func->data->ctvars : nullptr;
+    const uint32_t n = vars ? vars->size : 0;
+    for (uint32_t k = 0; k < n; k++)
+        if (vars->at<CtVar>(k)->symbol == symbol) return true;
+    return false;
+}
+
+static bool isGlobal(uint32_t symbol) {
+    const uint32_t k = findGv(symbol);
+    return k != not_found && getGv(k)->l2type != L2::GV;
+}
+
+// Whether the name is that of a variable of the running function, of a global or of a built-in.
+Matrix *exist_bf(Matrix *name, Matrix **, PcNode *node) {
+    if (name->l2type != L2::TX) refuseArgument(node, "exist");
+    const uint32_t symbol = findSymbolIndex(name->text());
+    return truthMat(isVariable(symbol) || isGlobal(symbol) || findBuiltin(symbol) != not_found);
+}
+
+// ---- Objects
+
+// Fields that the class of an object gives it, and fields of its own; of a class, the fields alone.
+Matrix *objsizes_bf(Matrix *x, Matrix **, PcNode *node) {
+    if (x->l2type == L2::CLASS || x->l2type == L2::COND) return count(classOf(x)->fields->size);
+    if (x->l2type != L2::OBJ) refuseArgument(node, "objsizes");
+    const Xobject *object = objectOf(x);
+    Matrix *sizes = newIntMat(1, 2);
+    sizes->ints()[0] = static_cast<int32_t>(object->xfields ? object->xfields->size : 0);
+    sizes->ints()[1] = static_cast<int32_t>(object->vlfields ? object->vlfields->size : 0);
+    return sizes;
+}
+
+// ---- Conversion
+
+// To the kind that a domain names. Without one, sparse where that pays.
+Matrix *convert_bf(Matrix *args, Matrix **, PcNode *node) {
+    const uint32_t n = argCount(args);
+    if (n != 1 && n != 2) error_bf_nargs_range(node, "convert", static_cast<int32_t>(n), 1, 2);
+    const Matrix *domain = n == 2 ? argAt(args, 1) : theEmptyMat();
+    Matrix *x = argAt(args, 0);
+    if (ISEMPTY(domain)) error_kind_not_built(node, L2::SPARSE);
+    if (domain->l2type != L2::BF) error_bf_argk_domain(node, "convert", 1);
+    switch (get_mat_val_domain_type(domain)) {
+        case 'D': return convToDb(x);
+        case 'Z': return convToIntMat(x);
+        case 'B': return convToByteMat(x);
+        case 'C': return isComplex(x->l2type) ? x : convToCM(x);
+        case 'L': error_kind_not_built(node, L2::BIGINT);
+        case 'M': error_kind_not_built(node, L2::MPF);
+        default: break;
+    }
+    if (domain->builtin()->name == findSymbolIndex("_sparse")) error_kind_not_built(node, L2::SPARSE);
+    error_bf_argk_domain(node, "convert", 1);
+}
+
+}  // namespace vesko
