@@ -113,7 +113,7 @@ void freeBfunc(Bfunc *bf) {
 
 // ---- Parameters
 
-static uint32_t findParm(const Bfunc *bf, uint32_t field) {
+uint32_t findBfParm(const Bfunc *bf, uint32_t field) {
     const uint32_t n = bf->parmNames ? bf->parmNames->size : 0;
     for (uint32_t i = 0; i < n; i++)
         if (bf->parmNames->numberAt(i) == field) return i;
@@ -121,7 +121,7 @@ static uint32_t findParm(const Bfunc *bf, uint32_t field) {
 }
 
 Matrix *getBfParm(const Bfunc *bf, uint32_t field) {
-    const uint32_t i = findParm(bf, field);
+    const uint32_t i = findBfParm(bf, field);
     return i == not_found ? theDneMat() : bf->parmValues->matAt(i);
 }
 
@@ -134,7 +134,7 @@ static Bfunc *spawnByRow(const Bfunc *bf, Vector *values) {
 }
 
 static Bfunc *resetByRow(Bfunc *bf, Matrix *value, uint32_t field) {
-    const uint32_t i = findParm(bf, field);
+    const uint32_t i = findBfParm(bf, field);
     if (i == not_found) return nullptr;
     const BfParm &parm = bf->row->parms.first[i];
     if (!(parm.accepts_reset ? parm.accepts_reset : parm.accepts)(value)) return nullptr;

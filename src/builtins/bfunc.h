@@ -79,8 +79,9 @@ Bfunc *parms_bf_maintainer(BfOperation op, Bfunc *bf, Vector *parmVector, Matrix
 // ---- Calls and parameters. Results are borrowed.
 Matrix *callBf(Bfunc *bf, Matrix *args, PcNode *node);
 Matrix *spawnBf(Matrix *bf, Vector *values,
-                PcNode *node);                       // f[...]: takes the vector over; refused: an error
-Matrix *getBfParm(const Bfunc *bf, uint32_t field);  // theDneMat if there is none of that name
+                PcNode *node);                         // f[...]: takes the vector over; refused: an error
+uint32_t findBfParm(const Bfunc *bf, uint32_t field);  // place of its value, or not_found
+Matrix *getBfParm(const Bfunc *bf, uint32_t field);    // theDneMat if there is none of that name
 void resetBfParm(Bfunc *bf, uint32_t field, Matrix *value, PcNode *node);  // f.parm = value
 
 // ---- The tables

@@ -5,6 +5,7 @@
 #include <initializer_list>
 #include <limits>
 
+#include "builtins/regexp_match.h"
 #include "builtins/workers.h"
 #include "engine/errors.h"
 #include "engine/frame.h"
@@ -185,6 +186,7 @@ void setBfunc() {
     setPayloadFree(L2::BF, [](Matrix *m) { freeBfunc(m->builtin()); });
     setPayloadWalk(L2::BF, auditBfunc);
     addHolderWalk("table of built-ins", auditTable);
+    initPatterns();
     bfvec = newVector(room);
     addBuiltins();
     addSettings();

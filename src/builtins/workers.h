@@ -1,7 +1,7 @@
 // The workers of the list of built-ins, and the parameters that some of them have.
 #pragma once
 
-#include "builtins/bfunc.h"
+#include "builtins/regexp.h"
 
 namespace vesko {
 
@@ -12,6 +12,7 @@ namespace vesko {
 extern const BfParm interval_parms[1];
 extern const BfParm length_parms[2];
 extern const BfParm log_parms[1];
+extern const BfParm strcmp_parms[1];
 
 // Domains of the display settings: what they accept, they apply.
 Matrix *disp_format_domain_bf(Matrix *args, Matrix **parms, PcNode *node);

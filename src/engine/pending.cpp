@@ -7,8 +7,6 @@ namespace vesko {
 #define PENDING(handler, what) \
     Matrix *handler(PcNode *node) { error_not_built(node, what); }
 
-PENDING(doRegExpCompile, "a regular expression")
-
 PENDING(buildConditional, "a conditional class")
 
 PENDING(setProcStates, "an automaton")

@@ -58,8 +58,8 @@ PcNode *processTokenAtom(Token *token) {
         case TokenKind::Byte: return newBNumNode(token->number, line);
         case TokenKind::BigInt: syntaxError(line, "big integer literals are not built yet");
         case TokenKind::Mpf: syntaxError(line, "multi-precision literals are not built yet");
-        case TokenKind::Regexp:
-        case TokenKind::Regsub: syntaxError(line, "regular expression literals are not built yet");
+        case TokenKind::Regexp: return newRegexpNode(token);
+        case TokenKind::Regsub: return newRegsubNode(token);
         case TokenKind::String: return newMatPcNode(newStrMatCopy(token->text), line);
         case TokenKind::Colon: return newMatPcNode(theRng0Mat(), line);
         case TokenKind::Dollar: return topReferenceNode(token);

@@ -46,6 +46,10 @@ PcNode *buildCall(Opr op, Token *left, Token *group);
 PcNode *buildNamedCall(Opr op, Token *left, Token *group);
 PcNode *buildField(Opr op, Token *left, Token *right);
 
+// ---- Literals of patterns
+PcNode *newRegexpNode(const Token *token);
+PcNode *newRegsubNode(const Token *token);
+
 // ---- Binary operators: node with its specialised handler, or the constant it folds to.
 PcNode *newBinaryNode(Opr op, PcNode *left, PcNode *right);
 PcNode *newProductNode(PcNode *left, PcNode *right);

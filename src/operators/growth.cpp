@@ -187,15 +187,17 @@ Matrix *newZerosOfKind(L2 kind, uint32_t rows, uint32_t cols) {
     }
 }
 
+template <class K>
 static Matrix *grownTemporary(Matrix *m, uint32_t rows, uint32_t cols) {
-    Matrix *grown = cols == m->ncols ? roomForTail<Reals>(m, rows, cols) : withCorner<Reals>(m, rows, cols);
-    if (cols == m->ncols) extendTail<Reals>(grown, rows, cols);
+    Matrix *grown = cols == m->ncols ? roomForTail<K>(m, rows, cols) : withCorner<K>(m, rows, cols);
+    if (cols == m->ncols) extendTail<K>(grown, rows, cols);
     if (grown != m) releaseMat(m);
     return grown;
 }
 
-Matrix *rmGetNewRow(Matrix *m, uint32_t rows) { return grownTemporary(m, rows, m->ncols); }
-Matrix *rmGetNewCol(Matrix *m, uint32_t cols) { return grownTemporary(m, m->nrows, cols); }
+Matrix *rmGetNewRow(Matrix *m, uint32_t rows) { return grownTemporary<Reals>(m, rows, m->ncols); }
+Matrix *rmGetNewCol(Matrix *m, uint32_t cols) { return grownTemporary<Reals>(m, m->nrows, cols); }
+Matrix *imGetNewRow(Matrix *m, uint32_t rows) { return grownTemporary<Ints>(m, rows, m->ncols); }
 
 // ---- Strings
 

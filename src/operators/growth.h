@@ -25,6 +25,7 @@ Matrix *vlGetNewLen(Matrix *&slot, uint32_t n);  // a VL of n entries, new ones 
 // For values that the caller alone works on: temporaries, of which the old record is released.
 Matrix *rmGetNewRow(Matrix *m, uint32_t rows);
 Matrix *rmGetNewCol(Matrix *m, uint32_t cols);
+Matrix *imGetNewRow(Matrix *m, uint32_t rows);
 Matrix *strmat_extend_cap(Matrix *m, size_t size_with_nul);  // the text and its length stay
 
 }  // namespace vesko

@@ -1,6 +1,7 @@
 // Steps that serve many kinds: conversion to real, dense storage, lists, sets and tables as factors.
 #include <cassert>
 
+#include "builtins/regexp_match.h"
 #include "engine/errors.h"
 #include "engine/interrupt.h"
 #include "operators/ladder.h"
@@ -56,7 +57,6 @@ static const char *unbuiltKind(L2 kind) {
         case L2::SPARSE: return "sparse matrices";
         case L2::BIGINT: return "big integers";
         case L2::MPF: return "multi-precision floats";
-        case L2::REGEXP: return "regular expressions";
         default: return nullptr;
     }
 }
@@ -129,11 +129,17 @@ static bool isDomainKind(L2 t) {
            t == L2::PTRSET;
 }
 
+// A pattern times a text is the first match.
+static Matrix *matchPattern(const Matrix *pattern, const Matrix *text, PcNode *node) {
+    if (!isCompiled(pattern)) error_regexp_compile(node);
+    return regexp_match_one(pattern, textOf(text));
+}
+
 Matrix *productOfRest(Arith, Matrix *a, Matrix *b, PcNode *node) {
     if (isFunction(a->l2type)) return callFunction(a, b, node);
     if (isDomainKind(a->l2type)) return truthMat(memberOfSet(b, a, node) != 0);
     if (a->l2type == L2::HASH) return findHashData(a->table(), b);
-    if (a->l2type == L2::REGEXP && b->l2type == L2::TX) error_kind_not_built(node, L2::REGEXP);
+    if (a->l2type == L2::REGEXP && b->l2type == L2::TX) return matchPattern(a, b, node);
     if (a->l1type == L1::PF && b->l1type == L1::PF) error_size_nomatch(node);
     error_undef_opr2(node);
 }

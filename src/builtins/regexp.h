@@ -1,0 +1,22 @@
+// The built-ins `regexp` and `regsub` as values.
+#pragma once
+
+#include "builtins/bfunc.h"
+
+namespace vesko {
+
+Bfunc *regexp_bf_maintainer(BfOperation op, Bfunc *bf, Vector *texts, Matrix *value, uint32_t field);
+Bfunc *regsub_bf_maintainer(BfOperation op, Bfunc *bf, Vector *texts, Matrix *value, uint32_t field);
+
+// The workers that the option g selects.
+Matrix *reggexp_bf(Matrix *target, Matrix **parms, PcNode *node);
+Matrix *reggsub_bf(Matrix *target, Matrix **parms, PcNode *node);
+
+// The function that a literal stands for, a temporary; null if the pattern does not compile. Takes the texts
+// over: pattern, options; with a replacement between them a `regsub`.
+Matrix *newPatternFunction(Vector *texts);
+
+// The compiled pattern of a `regexp` value, or a compiled pattern itself; null if the value is neither.
+const Matrix *patternOf(const Matrix *value);
+
+}  // namespace vesko
