@@ -1,6 +1,7 @@
 // Stores into fields, parameters and what pointers point to.
 #include "builtins/bfunc.h"
 #include "engine/assign.h"
+#include "engine/automatons.h"
 #include "engine/errors.h"
 #include "engine/frame.h"
 #include "engine/handlers.h"
@@ -46,27 +47,28 @@ void storeParameter(sfield *parm, Matrix *value, PcNode *node) {
     replaceMat(parm->value, value);
 }
 
-// The parameter of that name among those from `first` to before `last`, or null.
-sfield *findParameter(const FuncRec *f, uint32_t name, uint32_t first, uint32_t last) {
-    for (uint32_t k = first; k < last; k++) {
-        sfield *parm = f->parms->at<sfield>(k);
-        if (parm->index == name) return parm;
+// The parameter of the node's name that is public, or that is not; null if there is none.
+sfield *findParameter(const Vector *parms, bool is_public, PcNode *node) {
+    for (uint32_t k = 0; k < countFields(parms); k++) {
+        sfield *parm = parms->at<sfield>(k);
+        const bool fits = (parm->flag == static_cast<uint8_t>(Access::Public)) == is_public;
+        if (fits && parm->index == fieldOf(node)) return parm;
     }
     return nullptr;
 }
 
-void storePublicParameter(Matrix *f, Matrix *value, PcNode *node) {
-    sfield *parm = findParameter(f->func(), fieldOf(node), 0, static_cast<uint32_t>(f->func()->npublic));
-    if (!parm) refuseField(node, f);
+void storePublicParameter(Matrix *owner, const Vector *parms, Matrix *value, PcNode *node) {
+    sfield *parm = findParameter(parms, true, node);
+    if (!parm) refuseField(node, owner);
     storeParameter(parm, value, node);
 }
 
 void storeField(Matrix *owner, Matrix *value, PcNode *node) {
     switch (owner->l2type) {
         case L2::OBJ: return resetObjFieldWithValidation(owner, fieldOf(node), value, node);
-        case L2::UF: return storePublicParameter(owner, value, node);
+        case L2::UF: return storePublicParameter(owner, owner->func()->parms, value, node);
         case L2::BF: return resetBfParm(owner->builtin(), fieldOf(node), value, node);
-        case L2::AUTOMATON: error_not_built(node, "automatons");
+        case L2::AUTOMATON: return storePublicParameter(owner, procOf(owner)->parms, value, node);
         case L2::COND: error_invalid_lvalue(node);
         default: refuseField(node, owner);
     }
@@ -107,8 +109,7 @@ Matrix *doForcedFieldAsgn(PcNode *node) {
 namespace {
 
 void storeReadonlyParameter(const FuncRec *f, Matrix *value, PcNode *node) {
-    const uint32_t n = f->parms ? f->parms->size : 0;
-    sfield *parm = findParameter(f, fieldOf(node), static_cast<uint32_t>(f->npublic), n);
+    sfield *parm = findParameter(f->parms, false, node);
     if (!parm) error_field_asgn(node, getFieldName(fieldOf(node)));
     if (parm->flag != static_cast<uint8_t>(Access::Readonly))
         error_uf_field_domain(node, getFieldName(parm->index));

@@ -29,8 +29,8 @@ const char *fieldNameOf(const PcNode *item) {
     return getFieldName(static_cast<uint32_t>(item->value) / n_attributes);
 }
 
-// p = v, or p = v in D. A value out of its domain leaves the parameter as it was.
-void setParm(sfield *parm, const PcNode *item, PcNode *node) {
+// p = v, or p = v in D.
+void setParm(sfield *parm, const PcNode *item, PcNode *node, const char *complaint) {
     PcNode *source = item->child(0);
     bool declared = source->kind == NodeKind::In;
     Matrix *domain = pinMat(declared ? source->eval(1) : theCompleteMat());
@@ -40,23 +40,22 @@ void setParm(sfield *parm, const PcNode *item, PcNode *node) {
     if (memberOfSet(value, domain, node)) {
         replaceMat(parm->domain, domain);
         replaceMat(parm->value, value);
-    } else {
-        xMesg("probelm in setfuncparms");
+    } else if (complaint) {
+        xMesg("%s", complaint);
     }
     releaseMat(unpinMat());
     releaseMat(unpinMat());
 }
 
-// The function's list has the public ones first.
-void setParms(FuncRec *f, const PcNode *items, PcNode *node) {
+}  // namespace
+
+void setParms(Vector *parms, const PcNode *items, PcNode *node, const char *complaint) {
     uint32_t k = 0;
     for (bool is_public : {true, false})
         for (uint32_t i = 0; i < items->ncub; i++)
             if ((attributeOf(items->child(i)) == Access::Public) == is_public)
-                setParm(f->parms->at<sfield>(k++), items->child(i), node);
+                setParm(parms->at<sfield>(k++), items->child(i), node, complaint);
 }
-
-}  // namespace
 
 Matrix *setFuncParms(PcNode *node) {
     Matrix *m = node->child(3)->constant;
@@ -66,7 +65,7 @@ Matrix *setFuncParms(PcNode *node) {
     FuncRec *f = m->func();
     setCtVarVector(f->data->ctvars, node->child(1), node->child(2));
     setFuncExe(f->data);
-    setParms(f, node->child(0), node);
+    setParms(f->parms, node->child(0), node, "probelm in setfuncparms");
     return unpinMat();
 }
 

@@ -151,9 +151,11 @@ Matrix *prepFor3Block(PcNode *node) {
     return nullptr;
 }
 
+// An automaton that runs itself in the loop may have ended it already.
 Matrix *execFor3Block(PcNode *node) {
-    int32_t *turns = getVarMat(static_cast<uint32_t>(node->value))->ints();
-    if (++turns[0] < turns[1]) {
+    const Matrix *hidden = getVarMat(static_cast<uint32_t>(node->value));
+    int32_t *turns = hidden->ints();
+    if (hidden != theTrueMat() && ++turns[0] < turns[1]) {
         top->pc = node->child(0);
     } else {
         updVar(static_cast<uint32_t>(node->value), theTrueMat());

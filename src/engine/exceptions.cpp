@@ -9,6 +9,7 @@
 #include <csetjmp>
 
 #include "console/command.h"
+#include "engine/automatons.h"
 #include "engine/frame.h"
 #include "engine/handlers.h"
 #include "engine/interrupt.h"
@@ -37,11 +38,13 @@ struct TryWalk {
     TryWalk *outer;
 };
 
-// Tries that were entered and are not over, innermost last. The same try entered again is counted.
+// Tries that were entered and are not over, innermost last. The same try entered again is counted. Automatons
+// that yield to each other share a walk.
 struct OpenTry {
     PcNode *node;
     TryWalk *walk;
     uint32_t times;
+    FuncFrame *frame;
 
     uint32_t exception() const { return static_cast<uint32_t>(node->value); }
 };
@@ -73,7 +76,7 @@ void openTry(PcNode *node, TryWalk *walk) {
         last->times++;
     } else {
         if (nopentries == opencap) growOpenTries();
-        opentries[nopentries] = {node, walk, 1};
+        opentries[nopentries] = {node, walk, 1, top};
         nopentries++;
     }
     top->pc = node->child(0);
@@ -88,10 +91,12 @@ OpenTry *findOpenTry(uint32_t exception) {
 
 // What the jump leaves for its landing.
 PcNode *catch_body;
+FuncFrame *catch_frame;
 
 // The try is over once its catch body begins, and so are those opened within it.
 [[noreturn]] void leaveFor(OpenTry *open) {
     catch_body = open->node->child(1);
+    catch_frame = open->frame;
     innermost = open->walk;
     nopentries = static_cast<uint32_t>(open - opentries) + 1;
     if (--open->times == 0) nopentries--;
@@ -146,6 +151,7 @@ Matrix *execTryBlock(PcNode *node) {
         dumpFuncStackTo(walk.depth);
         unpinTo(walk.npins);
         releaseFuncsTo(walk.nheld);
+        if (catch_frame->proc) enterAutomaton(catch_frame);
         top->pc = catch_body;
     }
     exec_func();

@@ -4,6 +4,7 @@
 #include <cassert>
 
 #include "console/message.h"
+#include "engine/automatons.h"
 #include "engine/interrupt.h"
 #include "engine/pins.h"
 #include "values/audit.h"
@@ -28,17 +29,18 @@ static void resizeFuncVec(int32_t room) {
     freeInterrupt();
 }
 
-static void walkSlots(const FuncFrame *frame) {
+void auditFrame(const FuncFrame *frame) {
     for (uint32_t k = 0; k < frame->vars.cap; k++) auditVariable(frame->var(k));
     auditLink(frame->parent);
 }
 
 static void walkFrames() {
-    for (int32_t k = 0; k < fvcap; k++) walkSlots(funcvec[k]);
+    for (int32_t k = 0; k < fvcap; k++) auditFrame(funcvec[k]);
 }
 
 void initFuncStack() {
     initPins();
+    initAutomatons();
     setPayloadFree(L2::UF, [](Matrix *m) { freeFuncRec(m->func()); });
     setPayloadWalk(L2::UF, [](const Matrix *m) { auditFuncRec(m->func()); });
     addHolderWalk("frame", walkFrames);
@@ -99,13 +101,16 @@ static void abandonFrame(FuncFrame *frame) {
 
 // Unwinds the frames above d. The frame next to the deepest one may hold arguments of a call that was not
 // entered.
-static void abandonFramesAbove(int32_t d, bool keep_automatons) {
+static void abandonFramesAbove(int32_t d) {
     int32_t last = depth + 1 < fvcap ? depth + 1 : depth;
     for (int32_t k = last; k > d; k--) {
-        FuncFrame *frame = funcvec[k];
-        if (!(frame->proc && keep_automatons)) abandonFrame(frame);
+        if (funcvec[k]->proc)
+            funcvec[k] = takeFunc();
+        else
+            abandonFrame(funcvec[k]);
     }
     enterFrame(funcvec[d], d);
+    freeDroppedAutomatons();
 }
 
 void dumpFuncStack() {
@@ -113,7 +118,7 @@ void dumpFuncStack() {
     releaseFuncsTo(0);
     bool in_call = depth != 0;
     if (in_call) xMesg("Call stack:");
-    abandonFramesAbove(0, true);
+    abandonFramesAbove(0);
     if (in_call) {
         xMesg("   depth 0: user command");
         xPrintLineBrk(true, 1);
@@ -130,7 +135,7 @@ void dumpFuncStackTo(int32_t d) {
     assert(d <= depth);
     bool in_call = depth != d;
     if (in_call) xMesg("Call stack:");
-    abandonFramesAbove(d, false);
+    abandonFramesAbove(d);
     if (in_call) xMesg("   depth %d", d);
 }
 

@@ -96,7 +96,8 @@ inline FuncFrame *getNextFunc() {
     return funcvec[depth + 1];
 }
 void retireFrame(FuncFrame *frame);  // addresses of its locals die
-void dumpFuncStack();                // unwinds everything after a failed command
+// Unwinding: what an error skipped is emptied, but an automaton keeps its variables and its place.
+void dumpFuncStack();  // everything, after a failed command
 void dumpFuncStackTo(int32_t d);
 inline bool inTopLevel() { return depth == 0; }
 inline int32_t getStackDepth() { return depth; }
@@ -140,6 +141,7 @@ Variable *newVar(uint32_t symbol, Matrix *m);
 Variable *newLocalVar(Matrix *m);
 void freeVar(void *var);
 void disp_top_varvec_info();
+void auditFrame(const FuncFrame *frame);  // for the audit of links: its slots
 void auditVariable(const Variable *var);  // for the audit of links: value and domain
 
 // ---- Function records.
@@ -150,6 +152,9 @@ void auditFuncRec(const FuncRec *f);     // for the audit of links: parameters a
 FuncRec *copyFuncRec(const FuncRec *f);
 Matrix *copyUf(Matrix *f);         // own parameters, shared code
 sfield *getParameter(uint32_t k);  // of the running function or automaton
+// Evaluates the items of a parameter node into the list, public ones first. A value out of its domain leaves
+// the parameter as it was; `complaint`, if any, is shown.
+void setParms(Vector *parms, const PcNode *items, PcNode *node, const char *complaint);
 Matrix **getParentP();
 
 }  // namespace vesko

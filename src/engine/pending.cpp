@@ -9,14 +9,6 @@ namespace vesko {
 
 PENDING(buildConditional, "a conditional class")
 
-PENDING(setProcStates, "an automaton")
-PENDING(connectAutomatons, "a connection of automatons")
-PENDING(connectAutomatons2way, "a connection of automatons")
-PENDING(procRecv, "a port of an automaton")
-PENDING(procSend, "a port of an automaton")
-PENDING(procStop, "'stop' of an automaton")
-PENDING(procYield, "'yield' of an automaton")
-
 #undef PENDING
 
 }  // namespace vesko

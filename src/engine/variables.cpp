@@ -8,6 +8,7 @@
 #include "builtins/bfunc.h"
 #include "console/command.h"
 #include "console/message.h"
+#include "engine/automatons.h"
 #include "engine/errors.h"
 #include "engine/frame.h"
 #include "engine/handlers.h"
@@ -139,8 +140,8 @@ Matrix *copyTreeVariable(PcNode *node) {
 }
 
 sfield *getParameter(uint32_t k) {
-    if (top->proc) error_not_built(nullptr, "automaton");
-    return top->func->parms->at<sfield>(k);
+    const Vector *parms = top->proc ? top->proc->parms : top->func->parms;
+    return parms->at<sfield>(k);
 }
 
 Matrix *getTreeParameter(PcNode *node) { return getParameter(static_cast<uint32_t>(node->value))->value; }

@@ -193,11 +193,10 @@ PcNode *makeDfltConstructor(uint32_t line) {
     return newMatPcNode(closeFunction(newMakingStatement(line), 1, 0), line);
 }
 
-// ---- What waits for conditional classes and automatons -------------------------------------------
+// ---- What waits for conditional classes ----------------------------------------------------------
 
 PcNode *readConditional(InstNode *inst) {
     syntaxError(inst->token->line, "conditional classes are not built yet");
 }
-PcNode *readproc(InstNode *inst) { syntaxError(inst->token->line, "automatons are not built yet"); }
 
 }  // namespace vesko

@@ -173,8 +173,7 @@ static void setOwnWalks() {
             auditLink(m->im());
         });
     setPayloadWalk(L2::STACK, [](const Matrix *m) { walkLinkedNodes(static_cast<xstack *>(m->vdata)->top); });
-    setPayloadWalk(L2::QUEUE,
-                   [](const Matrix *m) { walkLinkedNodes(static_cast<xqueue *>(m->vdata)->first); });
+    setPayloadWalk(L2::QUEUE, [](const Matrix *m) { auditQueue(static_cast<xqueue *>(m->vdata)); });
 }
 
 // Called when no temporary should be left. A fault ends the process.

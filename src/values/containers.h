@@ -127,6 +127,7 @@ struct xqueue {
     xlistnode *last;
     uint32_t count;    // values waiting
     uint32_t traffic;  // goes up by one at every put and every take
+    bool shared;       // two ports of automatons hold it
 };
 xstack *newXstack();
 Matrix *pushStack(xstack *s, Matrix *m);  // theTrueMat
@@ -137,6 +138,7 @@ xqueue *newQueue();
 Matrix *queInput(xqueue *q, Matrix *m);
 Matrix *queOutput(xqueue *q);
 xqueue *copyQue(const xqueue *q);
-void freeQueue(xqueue *q);
+void freeQueue(xqueue *q);         // the first of two ports that share it only leaves it to the other
+void auditQueue(const xqueue *q);  // for the audit of links
 
 }  // namespace vesko

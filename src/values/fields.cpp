@@ -127,7 +127,7 @@ void freeStack(xstack *s) {
 
 xqueue *newQueue() {
     xqueue *q = newBlock<xqueue>();
-    *q = {nullptr, nullptr, 0, 0};
+    *q = {};
     return q;
 }
 
@@ -163,10 +163,18 @@ xqueue *copyQue(const xqueue *q) {
 }
 
 void freeQueue(xqueue *q) {
+    if (q->shared) {
+        q->shared = false;
+        return;
+    }
     holdInterrupt();
     freeNodes(q->first);
     recycleBlock(q);
     freeInterrupt();
+}
+
+void auditQueue(const xqueue *q) {
+    for (const xlistnode *n = q->first; n; n = n->next) auditLink(n->value);
 }
 
 }  // namespace vesko
