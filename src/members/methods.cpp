@@ -22,8 +22,12 @@ struct Method {
 };
 
 constexpr Method methods[] = {
-#define METHOD(field, owners, least, most, worker, ...) \
-    Method{FIELD_INDEX_##field, owners, least, most, worker __VA_OPT__(, ) __VA_ARGS__},
+#define METHOD(f, o, lo, hi, w, ...) \
+    Method{.field = FIELD_INDEX_##f, \
+           .owners = o,              \
+           .least = lo,              \
+           .most = hi,               \
+           .worker = w __VA_OPT__(, ) __VA_ARGS__},
 #include "members/methods.def"
 #undef METHOD
 };
