@@ -13,6 +13,7 @@ extern const BfParm interval_parms[1];
 extern const BfParm length_parms[2];
 extern const BfParm log_parms[1];
 extern const BfParm strcmp_parms[1];
+extern const BfParm reduction_parms[1];
 
 // Domains of the display settings: what they accept, they apply.
 Matrix *disp_format_domain_bf(Matrix *args, Matrix **parms, PcNode *node);

@@ -41,6 +41,9 @@ constexpr KindSet multidim = {L2::RMDM, L2::CMDM};
 constexpr KindSet lists = {L2::LS, L2::VL};
 constexpr KindSet sets = {L2::FSET, L2::HASH};
 constexpr KindSet dense = reals | integers | range | bits | complexes;
+constexpr KindSet ordered_matrices = real_matrices | L2::IM | range | bits | structured;
+constexpr KindSet ordered = reals | integers | range | bits | structured;
+constexpr KindSet summable = reals | integers | range | bytes | complexes | structured;
 constexpr KindSet numeric = dense | structured | extended;
 
 constexpr KindSet all() {
