@@ -10,6 +10,7 @@
 #include "objects/object.h"
 #include "operators/dispatch.h"
 #include "values/memory.h"
+#include "values/payload.h"
 
 namespace vesko {
 
@@ -158,17 +159,9 @@ void storeThroughAddress(const VarAddr *address, Matrix *value, PcNode *node) {
     updateVariable(var, value);
 }
 
-Matrix *newPointer(Matrix *value) {
-    Matrix *m = newPfMat();
-    linkMat(value);
-    m->vdata = value;
-    m->l2type = L2::PTR;
-    return m;
-}
-
 // A variable that holds no pointer gets one.
 void makePointer(Variable *var, Matrix *value, PcNode *node) {
-    Matrix *pointer = newPointer(value);
+    Matrix *pointer = newReferenceMat(L2::PTR, value);
     if (var->domain && !memberOfSet(pointer, var->domain, node)) error_asgn_justify(node);
     updateVariable(var, pointer);
 }

@@ -1,6 +1,7 @@
 // The stored value as elements of the target's type.
 #pragma once
 
+#include "operators/families.h"
 #include "values/elements.h"
 
 namespace vesko {
@@ -17,10 +18,6 @@ struct Source {
 };
 
 namespace detail {
-
-inline double *elementsOf(const Matrix *m, double *) { return m->rdata; }
-inline int32_t *elementsOf(const Matrix *m, int32_t *) { return m->ints(); }
-inline uint8_t *elementsOf(const Matrix *m, uint8_t *) { return m->bytes(); }
 
 inline Matrix *newElements(uint32_t n, double *) { return allocRealMat(n, 1, n); }
 inline Matrix *newElements(uint32_t n, int32_t *) { return newIntMat(1, n); }
@@ -44,11 +41,6 @@ void readElements(T *to, const Matrix *value) {
 }
 
 }  // namespace detail
-
-template <class T>
-T *elementsOf(const Matrix *m) {
-    return detail::elementsOf(m, static_cast<T *>(nullptr));
-}
 
 // The value is of a plain kind or a string; a multidimensional one serves as reals. The source refers to
 // itself when it is a single element, so it is made where it stays.

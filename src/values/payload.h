@@ -21,6 +21,13 @@ Matrix *newPayloadMat(L2 kind, Make make) {
 inline Matrix *newHashMat(uint32_t n) {
     return newPayloadMat(L2::HASH, [n] { return newHashTable(n); });
 }
+// A pointer, or a set of pointers: holds a link on its target.
+inline Matrix *newReferenceMat(L2 kind, Matrix *target) {
+    return newPayloadMat(kind, [target] {
+        linkMat(target);
+        return target;
+    });
+}
 inline Matrix *newSetMat() { return newPayloadMat(L2::FSET, newXSet); }
 
 }  // namespace vesko
