@@ -1,23 +1,17 @@
 // Built-ins that make containers and pointers. None is folded: every call makes a value of its own.
+#include "builtins/arguments.h"
 #include "builtins/workers.h"
-#include "engine/errors.h"
 #include "values/payload.h"
 
 namespace vesko {
 
-static void refuseArguments(const Matrix *args, const char *name, PcNode *node) {
-    if (args->l2type == L2::NUL) return;
-    const uint32_t given = isList(args->l2type) ? args->length : 1;
-    error_bf_nargs(node, name, static_cast<int32_t>(given), 0);
-}
-
 Matrix *newstack_bf(Matrix *args, Matrix **, PcNode *node) {
-    refuseArguments(args, "stack", node);
+    refuseAnyArgument(args, node, "stack");
     return newPayloadMat(L2::STACK, newXstack);
 }
 
 Matrix *newqueue_bf(Matrix *args, Matrix **, PcNode *node) {
-    refuseArguments(args, "queue", node);
+    refuseAnyArgument(args, node, "queue");
     return newPayloadMat(L2::QUEUE, newQueue);
 }
 

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "builtins/arguments.h"
 #include "builtins/workers.h"
 #include "engine/errors.h"
 #include "members/kinds.h"
@@ -15,7 +16,7 @@ namespace {
 void demandElements(const Matrix *m, KindSet kinds_known, const char *name, PcNode *node) {
     if (kinds::structured.has(m->l2type) || kinds::extended.has(m->l2type))
         error_not_built(node, "a test of the elements of this kind");
-    if (!kinds_known.has(m->l2type)) error_bf_arg_domain(node, pcnode2str(node)->text(), name);
+    if (!kinds_known.has(m->l2type)) refuseArgument(node, name);
 }
 
 // The truth of test(re, im) for each element.

@@ -2,6 +2,7 @@
 // fields. Row forms answer a column, column forms a row.
 #include <type_traits>
 
+#include "builtins/arguments.h"
 #include "builtins/workers.h"
 #include "engine/errors.h"
 #include "members/auto_fields.h"
@@ -30,7 +31,7 @@ struct Reduction {
     const char *name;
     PcNode *node;
 
-    [[noreturn]] void refuse() const { error_bf_arg_domain(node, pcnode2str(node)->text(), name); }
+    [[noreturn]] void refuse() const { refuseArgument(node, name); }
 };
 
 template <class Op>

@@ -1,6 +1,7 @@
 // Built-ins that tell the sizes of a value, and give its elements another order or other dimensions.
 #include <algorithm>
 
+#include "builtins/arguments.h"
 #include "builtins/workers.h"
 #include "engine/errors.h"
 #include "frontend/symbols.h"
@@ -16,7 +17,7 @@ namespace vesko {
 
 static Matrix *fieldOf(Matrix *m, uint32_t field, const char *name, PcNode *node) {
     Matrix *value = readAutoField(m, field, node);
-    if (!value) error_bf_arg_domain(node, pcnode2str(node)->text(), name);
+    if (!value) refuseArgument(node, name);
     return value;
 }
 
@@ -59,7 +60,7 @@ static Matrix *flatCopy(Matrix *m, PcNode *node) {
 
 // Sizes as one or two numbers, or as a pair in one value.
 Matrix *reshape_bf(Matrix *args, Matrix **, PcNode *node) {
-    const uint32_t n = isList(args->l2type) ? args->length : args->l2type == L2::NUL ? 0 : 1;
+    const uint32_t n = argCount(args);
     if (n < 2 || n > 3) error_bf_nargs_range(node, "reshape", static_cast<int32_t>(n), 2, 3);
     Matrix *const *values = args->entries();
     double rows, cols;

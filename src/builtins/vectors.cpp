@@ -1,5 +1,6 @@
 // Products of vectors, differences of neighbours, and the trace. Integers among themselves stay integers, and
 // wrap; bytes count as integers here. Complex values go by their parts.
+#include "builtins/arguments.h"
 #include "builtins/workers.h"
 #include "engine/errors.h"
 #include "members/kinds.h"
@@ -11,14 +12,10 @@ namespace vesko {
 
 namespace {
 
-[[noreturn]] void refuse(PcNode *node, const char *name) {
-    error_bf_arg_domain(node, pcnode2str(node)->text(), name);
-}
-
 void demandDense(const Matrix *m, const char *name, PcNode *node) {
     if (kinds::structured.has(m->l2type) || kinds::extended.has(m->l2type))
         error_not_built(node, "this function of band, sparse and extended values");
-    if (!kinds::dense.has(m->l2type)) refuse(node, name);
+    if (!kinds::dense.has(m->l2type)) refuseArgument(node, name);
 }
 
 bool isInteger(const Matrix *m) { return (kinds::integers | kinds::bits).has(m->l2type); }
@@ -36,7 +33,7 @@ struct Pair {
 };
 
 Pair readPair(Matrix *args, const char *name, PcNode *node) {
-    const uint32_t n = isList(args->l2type) ? args->length : args->l2type == L2::NUL ? 0 : 1;
+    const uint32_t n = argCount(args);
     if (n != 2) error_bf_nargs(node, name, static_cast<int32_t>(n), 2);
     const Pair pair{args->entries()[0], args->entries()[1]};
     demandDense(pair.a, name, node);
@@ -162,7 +159,7 @@ Matrix *diff_bf(Matrix *args, Matrix **, PcNode *node) {
 
 Matrix *trace_bf(Matrix *args, Matrix **, PcNode *node) {
     demandDense(args, "trace", node);
-    if (!args->isSquare()) refuse(node, "trace");
+    if (!args->isSquare()) refuseArgument(node, "trace");
     if (isInteger(args)) return newIntScalarMat(traceOf<int32_t>(args));
     const double re = traceOf<double>(partOf(args, 0));
     if (!isComplex(args->l2type)) return newRealScalarMat(re);

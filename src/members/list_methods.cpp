@@ -22,9 +22,9 @@ int32_t positionArg(const MethodCall &call, const char *name) {
 // The value becomes entry `at`, from 0. Interrupts wait while the entries move with their links.
 Matrix *insertEntry(MethodCall &call, uint32_t at, Matrix *value) {
     const uint32_t n = call.change()->length;
+    holdInterrupt();
     Matrix *list = vlGetNewLen(call.place(), n + 1);
     Matrix **entries = list->entries();
-    holdInterrupt();
     replaceMat(entries[n], value);
     std::rotate(entries + at, entries + n, entries + n + 1);
     freeInterrupt();
