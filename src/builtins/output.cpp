@@ -2,10 +2,8 @@
 #include "builtins/arguments.h"
 #include "builtins/waiting.h"
 #include "builtins/workers.h"
-#include "console/terminal.h"
 #include "console/worksheet.h"
 #include "engine/errors.h"
-#include "frontend/source.h"
 #include "values/display.h"
 
 namespace vesko {
@@ -18,13 +16,6 @@ static Matrix *shown(Matrix *x) {
 Matrix *print_bf(Matrix *x, Matrix **, PcNode *) { return shown(x); }
 Matrix *disp_bf(Matrix *x, Matrix **, PcNode *) { return shown(x); }
 
-// Any line will do; at the end of the input there is nothing to wait for.
-static void awaitEnter() {
-    addlnbrk(true, LineKind::Input, false);
-    terminal->editCommand();
-    countConsoleLines(1);
-}
-
 // A number of seconds, or until Enter, with or without a text before it.
 Matrix *pause_bf(Matrix *args, Matrix **, PcNode *node) {
     double s;
@@ -34,7 +25,8 @@ Matrix *pause_bf(Matrix *args, Matrix **, PcNode *node) {
     }
     if (args->l2type != L2::TX && argCount(args) != 0) refuseArgument(node, "pause");
     if (args->l2type == L2::TX) dispMat(args);
-    awaitEnter();
+    uint32_t start, end;
+    getLine("", start, end);  // any line will do; at the end of the input there is nothing to wait for
     return theNullMat();
 }
 

@@ -6,6 +6,7 @@
 #include <ctime>
 
 #include "builtins/bfunc.h"
+#include "console/editor.h"
 #include "console/history.h"
 #include "console/message.h"
 #include "console/terminal.h"
@@ -78,6 +79,7 @@ void service() {
     } else {
         resetInterruptHold();
         resetExceptions();
+        endInput();
         cleanUp();
         freshScr();
     }

@@ -69,7 +69,7 @@ static char *copyLine(HistoryEntry *entry, const Vsline *line, char *to) {
 }
 
 void writeCmdHist() {
-    if (vscr.histdone || !vscr.cmdfirst) return;
+    if (getcwmode() == worksheet_mode || vscr.histdone || !vscr.cmdfirst) return;
     uint32_t nlines = 0;
     size_t size = 0;
     for (const Vsline *line = nextTextLine(vscr.cmdfirst); line; line = following(line), ++nlines)

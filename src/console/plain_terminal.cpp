@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cstring>
 
+#include "console/editor.h"
 #include "console/terminal.h"
 #include "console/worksheet.h"
 #include "engine/interrupt.h"
@@ -19,7 +20,7 @@ public:
     uint32_t columns() const override { return 80; }
     void lineFinished(const Vsline &line) override;
     void redraw() override { vscr.drawn = true; }
-    bool editCommand() override;
+    bool editLine() override;
     void finish() override { lineFinished(*vscr.current); }
 
 private:
@@ -80,11 +81,17 @@ bool PlainTerminal::fillInput() {
     }
 }
 
-bool PlainTerminal::editCommand() {
+// The last line of the input may lack its end.
+bool endLine() {
+    cmd_enter();
+    return true;
+}
+
+bool PlainTerminal::editLine() {
     bool got_text = false;
     if (prompts_) writeAll(vscr.current->text, vscr.current->length);
     for (;;) {
-        if (input_pos_ == input_end_ && !fillInput()) return got_text;
+        if (input_pos_ == input_end_ && !fillInput()) return got_text && endLine();
         got_text = true;
         const char *begin = input_ + input_pos_;
         size_t length = input_end_ - input_pos_;
@@ -96,22 +103,16 @@ bool PlainTerminal::editCommand() {
         if (end && vscr.current->length > prompt_width &&
             vscr.current->text[vscr.current->length - 1] == '\r')
             --vscr.current->length;
+        if (end) cmd_enter();
         freeInterrupt();
         if (end) return true;
     }
 }
 
-PlainTerminal plain_terminal;
+PlainTerminal instance;
 
 }  // namespace
 
-Terminal *terminal = &plain_terminal;
-
-void initScreen() {
-    vscr.rows = terminal->rows();
-    vscr.columns = terminal->columns();
-}
-
-void finishScreen() { terminal->finish(); }
+Terminal &plain_terminal = instance;
 
 }  // namespace vesko

@@ -21,9 +21,10 @@ public:
     // Shows the present state of the worksheet.
     virtual void redraw() = 0;
 
-    // Lets the user type at the end of the worksheet's current line, until Enter; false at the end of the
-    // input. Awaits keys: an interrupt may jump out of it.
-    virtual bool editCommand() = 0;
+    // Lets the user type until Enter makes the command's lines ready to be read, or ends a line of input;
+    // false at the end of the input. Awaits keys: an interrupt, or a command that is read anew, may jump out
+    // of it.
+    virtual bool editLine() = 0;
 
     // Before the process ends: nothing may be left unshown, the terminal is as it was found.
     virtual void finish() = 0;
@@ -32,7 +33,10 @@ protected:
     ~Terminal() = default;
 };
 
-extern Terminal *terminal;
+extern Terminal *terminal;        // the one in use
+extern Terminal &plain_terminal;  // serves pipes, files and whatever the other cannot drive
+Terminal *openFullScreen();       // null if the streams are no terminal, or one that cannot be driven
+
 void initScreen();  // chooses the terminal and settles the worksheet's size
 void finishScreen();
 

@@ -3,6 +3,8 @@
 
 #include <cstring>
 
+#include "console/command.h"
+#include "console/editor.h"
 #include "console/terminal.h"
 #include "engine/interrupt.h"
 #include "frontend/source.h"
@@ -25,8 +27,7 @@ static void unlinkLine(Vsline *line) {
     --vscr.nlines;
 }
 
-static void insertAfterCurrent(Vsline *line) {
-    Vsline *before = vscr.current;
+void insertAfter(Vsline *before, Vsline *line) {
     line->prev = before;
     line->next = before ? before->next : nullptr;
     (line->prev ? line->prev->next : vscr.head) = line;
@@ -39,6 +40,24 @@ static Vsline *allocLine() {
     line->text = mallocArray<char>(line_capacity);
     line->capacity = line_capacity;
     return line;
+}
+
+void saveVsLine(Vsline *first, Vsline *last) {
+    for (Vsline *line = first, *end = last->next; line != end;) {
+        Vsline *next = line->next;
+        unlinkLine(line);
+        if (line == vscr.top) vscr.top = nullptr;
+        line->next = vscr.freelines;
+        vscr.freelines = line;
+        line = next;
+    }
+}
+
+void reserveText(Vsline *line, uint32_t length) {
+    if (length <= line->capacity) return;
+    uint32_t capacity = length + line->capacity / 2 + 16;
+    line->text = static_cast<char *>(m_realloc(line->text, line->capacity, capacity));
+    line->capacity = capacity;
 }
 
 // A line whose head was recycled takes its part.
@@ -90,16 +109,16 @@ static void leaveCommand(const Vsline *line) {
 void addlnbrk(bool redraw, LineKind kind, bool) {
     holdInterrupt();
     Vsline *line = vscr.current;
-    if (line && line->isBlankCommand()) {
+    if (line && (line->isBlankCommand() || line->kind == LineKind::Free)) {
         leaveCommand(line);
     } else {
         if (line) terminal->lineFinished(*line);
         line = createVsline();
-        insertAfterCurrent(line);
+        insertAfter(vscr.current, line);
     }
     line->length = 0;
     line->kind = kind;
-    vscr.current = vscr.top = line;
+    vscr.current = line;
     vscr.cursorx = 0;
     vscr.drawn = false;
     if (redraw) terminal->redraw();
@@ -109,11 +128,7 @@ void addlnbrk(bool redraw, LineKind kind, bool) {
 void printStr(const char *text, uint32_t length, bool redraw) {
     holdInterrupt();
     Vsline *line = vscr.current;
-    if (line->length + length > line->capacity) {
-        uint32_t capacity = line->length + length + line->capacity / 2 + 16;
-        line->text = static_cast<char *>(m_realloc(line->text, line->capacity, capacity));
-        line->capacity = capacity;
-    }
+    reserveText(line, line->length + length);
     std::memcpy(line->text + line->length, text, length);
     line->length += length;
     vscr.cursorx = line->length;
@@ -124,7 +139,7 @@ void printStr(const char *text, uint32_t length, bool redraw) {
 
 void setScreenAttr() {
     Vsline *line = createVsline();
-    insertAfterCurrent(line);
+    insertAfter(vscr.current, line);
     vscr.current = vscr.top = line;
 }
 
@@ -136,27 +151,42 @@ void clearWindow() {
     holdInterrupt();
     while (Vsline *line = vscr.current->prev) {
         leaveCommand(line);
-        unlinkLine(line);
-        line->next = vscr.freelines;
-        vscr.freelines = line;
+        saveVsLine(line, line);
     }
     terminal->redraw();
     freeInterrupt();
 }
 
-static int cwmode = 0;
+static int cwmode = command_mode;
 
 int getcwmode() { return cwmode; }
 void reset_cwmode(int mode) { cwmode = mode >= 0 ? mode : 1 - cwmode; }
 
 // ---- The current command
 
+// Lines of the console that were taken before the command began.
+static uint32_t lines_before_command = 0;
+
+// In worksheet mode an empty prompt below the cursor serves again.
+static bool stepToFreePrompt() {
+    Vsline *line = vscr.current, *below = line->next;
+    if (getcwmode() != worksheet_mode || !below || below->kind != LineKind::Head || !below->isBlankCommand())
+        return false;
+    if (line->isBlankCommand()) saveVsLine(line, line);
+    vscr.current = below;
+    vscr.cursorx = prompt_width;
+    return true;
+}
+
 void initVideoBuf() {
-    addlnbrk(false, LineKind::Head, false);
-    printStr(">> ", prompt_width, false);
+    if (!stepToFreePrompt()) {
+        addlnbrk(false, LineKind::Head, false);
+        printStr(">> ", prompt_width, false);
+    }
     vscr.cmdfirst = vscr.cmdlast = vscr.readline = vscr.current;
     vscr.readpos = prompt_width;
     vscr.ready = vscr.edited = vscr.histdone = false;
+    lines_before_command = consoleLine();
     terminal->redraw();
 }
 
@@ -199,24 +229,40 @@ void setCmdBuffStat() {
     }
 }
 
-// Enter at the end of the command's last line: a blank continuation follows, and the line can be read.
-static void enterLine() {
-    Vsline *line = createVsline();
-    insertAfterCurrent(line);
-    std::memcpy(line->text, "   ", prompt_width);
-    line->length = prompt_width;
-    line->kind = LineKind::Continuation;
-    vscr.current = vscr.cmdlast = line;
-    vscr.ready = true;
+void startReading() {
+    vscr.readline = vscr.cmdfirst;
+    vscr.readpos = prompt_width;
+    vscr.edited = false;
+    setConsoleLine(lines_before_command);
 }
 
+void rereadCommand() {
+    startReading();
+    if (!parsingInProgress()) return;
+    while (filelist->extra[0]) getExtraCh();
+    setConsoleLine(lines_before_command);
+    cmdbuffstat = false;
+    parseRestart();
+}
+
+// In worksheet mode the cursor may stand on any line of the list.
 bool grabLine() {
-    if (!vscr.cmdlast || vscr.current != vscr.cmdlast) initVideoBuf();
-    if (!terminal->editCommand()) return false;
-    holdInterrupt();
-    enterLine();
-    freeInterrupt();
-    return true;
+    const bool away = !vscr.cmdlast || vscr.current != vscr.cmdlast;
+    if (away && getcwmode() != worksheet_mode) initVideoBuf();
+    return terminal->editLine();
+}
+
+bool getLine(const char *prompt, uint32_t &start, uint32_t &end) {
+    addlnbrk(false, LineKind::Input, false);
+    printStr("   ", prompt_width, false);
+    printStr(prompt, static_cast<uint32_t>(std::strlen(prompt)), false);
+    start = vscr.current->length;
+    beginInput(start);
+    const bool got = terminal->editLine();
+    endInput();
+    countConsoleLines(1);
+    end = vscr.current->length;
+    return got;
 }
 
 int getChar() {

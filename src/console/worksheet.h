@@ -17,6 +17,7 @@ enum class LineKind : int {
 };
 
 constexpr uint32_t prompt_width = 3;
+constexpr int command_mode = 0, worksheet_mode = 1, no_display = 2;
 
 struct Vsline {
     char *text;  // no terminator; a command line begins with prompt_width columns of prompt
@@ -50,19 +51,31 @@ struct Worksheet {
 extern Worksheet vscr;
 extern bool cmdbuffstat;  // false: the command lines stay for the next cycle and are read again
 
+// ---- Lines
 void setScreenAttr();  // makes the first line
-int getChar();         // next character of the command, or end_of_input
-bool grabLine();       // lets the user complete a line of the command; false at the end of the input
-void initVideoBuf();   // starts a new command
-void setCmdBuffStat();
-void dropCommand();  // what is unread of the command is not read any more: an interrupt abandons it
 Vsline *createVsline();
+void insertAfter(Vsline *before, Vsline *line);
+void saveVsLine(Vsline *first, Vsline *last);     // takes a run of lines out of the list, for new use
+void reserveText(Vsline *line, uint32_t length);  // room for a text of that length
 void addlnbrk(bool redraw, LineKind kind, bool force);
 void printStr(const char *text, uint32_t length, bool redraw);
 void freshScr();
 void clearWindow();           // forgets every line above the current one
 void reset_cwmode(int mode);  // 0 command mode, 1 worksheet mode, 2 no display; -1 toggles the first two
 int getcwmode();
-inline bool cwmode_nodisplay() { return getcwmode() == 2; }
+inline bool cwmode_nodisplay() { return getcwmode() == no_display; }
+
+// ---- The command
+int getChar();         // next character of the command, or end_of_input
+bool grabLine();       // lets the user complete a line of the command; false at the end of the input
+void initVideoBuf();   // starts a new command
+void startReading();   // the command is read from its first line
+void rereadCommand();  // startReading; a parse that has begun is abandoned, and the lines stand for the next
+                       // one
+void setCmdBuffStat();
+// Collects a line of input for a program behind a prompt, on the worksheet's current line: its text stands from
+// `start` to `end`. False at the end of the input.
+bool getLine(const char *prompt, uint32_t &start, uint32_t &end);
+void dropCommand();  // what is unread of the command is not read any more: an interrupt abandons it
 
 }  // namespace vesko

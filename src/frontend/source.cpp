@@ -140,12 +140,21 @@ void setExtraCh(int c) {
 
 int nextCharSlowly() { return filelist->extra[0] ? getExtraCh() : readch(); }
 
+static VSFileList *console() {
+    VSFileList *entry = filelist;
+    while (entry->next) entry = entry->next;
+    return entry;
+}
+
+uint32_t consoleLine() { return console()->line; }
+
+void setConsoleLine(uint32_t n) {
+    console()->line = n;
+    console()->at_end = true;
+}
+
 void countConsoleLines(uint32_t n) {
-    if (n == 0) return;
-    VSFileList *console = filelist;
-    while (console->next) console = console->next;
-    console->line += n;
-    console->at_end = true;
+    if (n > 0) setConsoleLine(consoleLine() + n);
 }
 
 bool consoleEnded() { return console_ended && !filelist->next && !filelist->extra[0]; }

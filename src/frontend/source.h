@@ -38,6 +38,8 @@ int getExtraCh();                    // takes the character pushed back last
 void setExtraCh(int c);              // at most three wait; a NUL discards them
 bool consoleEnded();                 // the console has no more lines
 void countConsoleLines(uint32_t n);  // lines of the console that were left unread
+uint32_t consoleLine();              // lines of the console taken so far
+void setConsoleLine(uint32_t n);
 
 // The next character: one that was pushed back, or else that of readch.
 int nextCharSlowly();
