@@ -236,11 +236,15 @@ class Colours(Case):
 
     def test_what_stands_where_it_cannot_is_red(self):
         s = self.screen()
-        s.type("for i = 1:3", "break", "if i", "break", "end", "else", "(2]", "end")
+        s.type("q = (2")
+        s.shows(">> q = (2")
+        self.assertColours(s, 0, ("q", self.GREEN), ("=", self.MAGENTA), ("(", self.RED), ("2", self.BLUE))
+        s.type(")", "for i = 1:3", "break", "if i", "break", "end", "end")
         s.wait(lambda lines: len(lines) == 8 and lines[-1] == "   end")
-        self.assertColours(s, 1, ("break", self.GREEN))
-        self.assertColours(s, 3, ("break", self.RED))
-        self.assertColours(s, 5, ("else", self.RED))
+        self.assertColours(s, 0, ("q", self.GREEN), ("=", self.MAGENTA), ("(", self.GREEN), ("2", self.BLUE),
+                           (")", self.GREEN))
+        self.assertColours(s, 3, ("break", self.GREEN))
+        self.assertColours(s, 5, ("break", self.RED))
 
     def test_a_terminal_without_colours_works(self):
         s = self.screen(term="vt100")

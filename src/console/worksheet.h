@@ -73,8 +73,8 @@ void startReading();   // the command is read from its first line
 void rereadCommand();  // startReading; a parse that has begun is abandoned, and the lines stand for the next
                        // one
 void setCmdBuffStat();
-// Collects a line of input for a program behind a prompt, on the worksheet's current line: its text stands from
-// `start` to `end`. False at the end of the input.
+// Collects a line of input for a program behind a prompt, on the worksheet's current line: its text stands
+// from `start` to `end`. False at the end of the input.
 bool getLine(const char *prompt, uint32_t &start, uint32_t &end);
 void dropCommand();  // what is unread of the command is not read any more: an interrupt abandons it
 

@@ -71,7 +71,7 @@ void loadWorkSheet(std::FILE *stream) {
     LineKind kind = LineKind::Head;
     holdInterrupt();
     if (!vscr.head) setScreenAttr();
-    for (int mark = std::getc(stream); mark != EOF; mark = std::getc(stream)) {
+    for (int mark = std::getc(stream); mark != EOF && mark != '\n'; mark = std::getc(stream)) {
         for (const KindMark &k : kind_marks)
             if (k.mark == mark) kind = k.kind;
         uint32_t length = xgetline(buffer, capacity, stream, last_end);
