@@ -1,6 +1,7 @@
 // The built-in `split`: a text cut at each separator.
 #include <algorithm>
 
+#include "builtins/arguments.h"
 #include "builtins/regexp_match.h"
 #include "builtins/workers.h"
 #include "engine/errors.h"
@@ -65,7 +66,7 @@ Matrix *splitXstringByRegexp(Matrix *string, const Matrix *compiled) {
 Matrix *splitAt(Matrix *string, const Matrix *separator, PcNode *node) {
     if (separator->l2type == L2::TX) return splitXstringByStr(string, textOf(separator));
     const Matrix *pattern = patternOf(separator);
-    if (!pattern) error_bf_arg_domain(node, pcnode2str(node)->text(), "split");
+    if (!pattern) refuseArgument(node, "split");
     if (!isCompiled(pattern)) error_regexp_compile(node);
     return splitXstringByRegexp(string, pattern);
 }
@@ -74,7 +75,7 @@ Matrix *splitAt(Matrix *string, const Matrix *separator, PcNode *node) {
 
 Matrix *split_bf(Matrix *args, Matrix **, PcNode *node) {
     const bool several = isList(args->l2type);
-    if (several && args->length != 2) error_bf_arg_domain(node, pcnode2str(node)->text(), "split");
+    if (several && args->length != 2) refuseArgument(node, "split");
     Matrix *string = several ? args->entries()[0] : args;
     if (string->l2type != L2::TX) error_bf_argk_domain(node, "split", 0);
     return several ? splitAt(string, args->entries()[1], node) : splitXstringByStr(string, " ");

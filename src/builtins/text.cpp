@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cctype>
 
+#include "builtins/arguments.h"
 #include "builtins/regexp_match.h"
 #include "builtins/workers.h"
 #include "engine/errors.h"
@@ -17,7 +18,7 @@ static bool isSpace(char c) { return std::isspace(static_cast<unsigned char>(c))
 // Trimming one side of a text that has nothing to trim there gives the text itself; trimming both sides gives
 // a copy of a text of several characters in any case.
 static Matrix *trimSides(Matrix *string, bool left, bool right, const char *builtin, PcNode *node) {
-    if (string->l2type != L2::TX) error_bf_arg_domain(node, pcnode2str(node)->text(), builtin);
+    if (string->l2type != L2::TX) refuseArgument(node, builtin);
     std::string_view text = textOf(string);
     while (left && !text.empty() && isSpace(text.front())) text.remove_prefix(1);
     while (right && !text.empty() && isSpace(text.back())) text.remove_suffix(1);
@@ -68,7 +69,7 @@ Matrix *strcmp_bf(Matrix *args, Matrix **parms, PcNode *node) {
 
 Matrix *newstring_bf(Matrix *args, Matrix **, PcNode *node) {
     int32_t n;
-    if (!extract_integer(args, n) || n < 0) error_bf_arg_domain(node, pcnode2str(node)->text(), "newstring");
+    if (!extract_integer(args, n) || n < 0) refuseArgument(node, "newstring");
     Matrix *blanks = newStrMat(checkedLength(uint64_t(n) + 1, 1));
     std::fill_n(blanks->text(), n, ' ');
     return blanks;

@@ -27,9 +27,8 @@ Matrix *memberOfFunction(const FuncRec *f, uint32_t name) {
 }
 
 Matrix *memberOfBuiltin(const Bfunc *bf, uint32_t name) {
-    for (uint32_t k = 0; bf->parmNames && k < bf->parmNames->size; k++)
-        if (bf->parmNames->numberAt(k) == name) return bf->parmValues->matAt(k);
-    return nullptr;
+    const uint32_t k = findBfParm(bf, name);
+    return k == not_found ? nullptr : bf->parmValues->matAt(k);
 }
 
 // `outside` says that the owner was not named by `parent`.
