@@ -11,6 +11,7 @@
 #include "engine/node.h"
 #include "frontend/symbols.h"
 #include "operators/dispatch.h"
+#include "values/audit.h"
 #include "values/memory.h"
 
 namespace vesko {
@@ -155,14 +156,37 @@ static bool fitsSpawn(const Bfunc *bf, uint32_t given) {
     return given >= least && given <= bf->nparms;
 }
 
+// The values of a spawn that is under way, or that ended half-way for want of memory.
+static Vector *spawn_values;
+
+static void dropSpawnValues() {
+    Vector *values = spawn_values;
+    spawn_values = nullptr;
+    freeVector(values, releaseEntry);
+}
+
+void auditSpawn() {
+    for (uint32_t k = 0; spawn_values && k < spawn_values->size; k++) auditLink(spawn_values->matAt(k));
+}
+
+static Matrix *ownSpawned(Bfunc *spawned) {
+    holdInterrupt();
+    Matrix *result = newBfMat(spawned);
+    spawn_values = nullptr;
+    freeInterrupt();
+    return result;
+}
+
 Matrix *spawnBf(Matrix *bf, Vector *values, PcNode *node) {
+    dropSpawnValues();
+    spawn_values = values;
     Bfunc *src = bf->builtin();
     const bool undefined = src->nparms == 0 && values->size == 1;
     Bfunc *spawned = nullptr;
     if (src->maintainer && src->nparms && fitsSpawn(src, values->size))
         spawned = src->maintainer(BfOperation::Spawn, src, values, nullptr, 0);
-    if (spawned) return newBfMat(spawned);
-    freeVector(values, releaseEntry);
+    if (spawned) return ownSpawned(spawned);
+    dropSpawnValues();
     if (undefined) error_undef_opr(node, bf, Opr::Ref);
     error_bf_spawn(node, getSymbolName(src->name));
 }

@@ -76,6 +76,8 @@ void freeBfunc(Bfunc *bf);
 // those of the record that is spawned.
 Bfunc *parms_bf_maintainer(BfOperation op, Bfunc *bf, Vector *parmVector, Matrix *value, uint32_t field);
 
+void auditSpawn();  // for the audit of links
+
 // ---- Calls and parameters. Results are borrowed.
 Matrix *callBf(Bfunc *bf, Matrix *args, PcNode *node);
 Matrix *spawnBf(Matrix *bf, Vector *values,

@@ -11,6 +11,7 @@
 #include "engine/handlers.h"
 #include "engine/interrupt.h"
 #include "frontend/symbols.h"
+#include "operators/index.h"
 
 namespace vesko {
 
@@ -68,6 +69,7 @@ Matrix *compileWith(const Matrix *pattern, const Matrix *options) {
 Matrix *defaultText(const char *text) { return *text ? newStrMatCopy(text) : theEmptyStrMat(); }
 
 Bfunc *create(const PatternFamily &family) {
+    findSymbolIndex(family.global_name);  // a symbol from here on, so that followOptions needs no memory
     Bfunc *bf = make_Ni0p_bf(family.name, "target", family.worker, family.maintainer);
     bf->nparms = family.ntexts;
     bf->parmNames = newVector(std::size(family.parms));
@@ -168,11 +170,11 @@ Matrix *reggsub_bf(Matrix *target, Matrix **parms, PcNode *node) {
     return substituteText<regexp_sub_all>(target, parms, node);
 }
 
-Matrix *newPatternFunction(Vector *texts) {
-    const PatternFamily &family = texts->size == matching.ntexts ? matching : substituting;
-    const Matrix *bf = getBf(findBuiltin(findSymbolIndex(family.name)));
-    Matrix *function = newBfMat(spawn(family, bf->builtin(), texts));
-    if (isCompiled(texts->matAt(family.ntexts))) return function;
+Matrix *newPatternFunction(Matrix *texts) {
+    const PatternFamily &family = texts->length == matching.ntexts ? matching : substituting;
+    Matrix *bf = getBf(findBuiltin(findSymbolIndex(family.name)));
+    Matrix *function = spawnFunction(bf, texts, nullptr);
+    if (isCompiled(function->builtin()->parms()[family.ntexts])) return function;
     releaseMat(function);
     return nullptr;
 }

@@ -12,9 +12,9 @@ Bfunc *regsub_bf_maintainer(BfOperation op, Bfunc *bf, Vector *texts, Matrix *va
 Matrix *reggexp_bf(Matrix *target, Matrix **parms, PcNode *node);
 Matrix *reggsub_bf(Matrix *target, Matrix **parms, PcNode *node);
 
-// The function that a literal stands for, a temporary; null if the pattern does not compile. Takes the texts
-// over: pattern, options; with a replacement between them a `regsub`.
-Matrix *newPatternFunction(Vector *texts);
+// The function that a literal stands for, a temporary; null if the pattern does not compile. The list has the
+// pattern and the options, and for a `regsub` the replacement between them.
+Matrix *newPatternFunction(Matrix *texts);
 
 // The compiled pattern of a `regexp` value, or a compiled pattern itself; null if the value is neither.
 const Matrix *patternOf(const Matrix *value);

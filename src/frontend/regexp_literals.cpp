@@ -36,8 +36,9 @@ static Matrix *xstringCut_rexsub_substr(std::string_view text, size_t first, siz
     syntaxError(line, "regular expression compile failed");
 }
 
-static PcNode *newFunctionNode(Vector *texts, uint32_t line) {
+static PcNode *newFunctionNode(Matrix *texts, uint32_t line) {
     Matrix *function = newPatternFunction(texts);
+    releaseMat(texts);
     if (!function) refusePattern(line);
     return newMatPcNode(function, line);
 }
@@ -47,9 +48,9 @@ PcNode *newRegexpNode(const Token *token) {
     const std::string_view text = token->text;
     const size_t slash = blocateSlash(text);
     if (slash == text.npos) refusePattern(token->line);
-    Vector *texts = newVector(3);
-    appendMatVecEntry(texts, xstringCut(text, 0, slash));
-    appendMatVecEntry(texts, xstringCut(text, slash + 1, text.size()));
+    Matrix *texts = newListMat(2);
+    addListEntry(texts, xstringCut(text, 0, slash));
+    addListEntry(texts, xstringCut(text, slash + 1, text.size()));
     return newFunctionNode(texts, token->line);
 }
 
@@ -57,10 +58,10 @@ PcNode *newRegsubNode(const Token *token) {
     const std::string_view text = token->text;
     const size_t first = flocateSlash(text), last = blocateSlash(text);
     if (first == text.npos || first == last) refusePattern(token->line);
-    Vector *texts = newVector(4);
-    appendMatVecEntry(texts, xstringCut(text, 0, first));
-    appendMatVecEntry(texts, xstringCut_rexsub_substr(text, first + 1, last));
-    appendMatVecEntry(texts, xstringCut(text, last + 1, text.size()));
+    Matrix *texts = newListMat(3);
+    addListEntry(texts, xstringCut(text, 0, first));
+    addListEntry(texts, xstringCut_rexsub_substr(text, first + 1, last));
+    addListEntry(texts, xstringCut(text, last + 1, text.size()));
     return newFunctionNode(texts, token->line);
 }
 
