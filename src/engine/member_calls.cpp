@@ -67,8 +67,9 @@ Matrix *memberOfObject(Matrix *object, const PcNode *field, PcNode *node) {
     }
     if (const xfield *slot = findObjSlot(objectOf(object), name))
         return memberInSlot(slot, outside, field, node);
-    const sfield *acquired = findAcquiredField(objectOf(object), name);
-    return acquired ? acquired->value : nullptr;
+    const PcNode *args = node->child(1);
+    if (args->ncub == 0 || node->kind == NodeKind::MemberCallNp) return findObjAcquiredField(object, name);
+    return findObjVlField(object, args->child(0), name);
 }
 
 // A class has one member, its constructor, which runs with the class as parent.
@@ -98,12 +99,13 @@ bool hasMembers(const Matrix *owner) {
 // The node is that of the member call; its second child has the arguments.
 using MemberCall = Matrix *(*)(Matrix *member, Matrix *owner, PcNode *node);
 
-// What is no function is multiplied with the arguments.
+// What is no function is multiplied with the arguments. No value at all cannot be.
 template <CallFn FuncRecData::*entry>
 Matrix *callMember(Matrix *member, Matrix *owner, PcNode *node) {
     PcNode *args = node->child(1);
     if (member->l2type == L2::UF) return (member->func()->data->*entry)(member->func(), args, owner);
     Matrix *values = evalArgList(args);
+    if (member->l2type == L2::DNE) error_undef_opr2(node);
     Matrix *result = keepResult(getMatProduct(member, values, node));
     releaseMat(values);
     return passResult(result);

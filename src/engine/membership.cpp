@@ -99,9 +99,9 @@ Matrix *predicateValue(Matrix *predicate, Matrix *value, PcNode *node) {
     return callUfByMat(predicate->func(), value, node);
 }
 
-bool inClass(const Matrix *value, const Matrix *domain, PcNode *node) {
+bool inClass(Matrix *value, Matrix *domain, PcNode *node) {
     if (value->l2type != L2::OBJ) return false;
-    if (domain->l2type == L2::COND) error_not_built(node, "conditional classes");
+    if (domain->l2type == L2::COND) return validate_membership(value, domain, node);
     return domain->l2type == L2::CLASS && isOfClass(value, domain);
 }
 

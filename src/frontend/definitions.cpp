@@ -193,10 +193,4 @@ PcNode *makeDfltConstructor(uint32_t line) {
     return newMatPcNode(closeFunction(newMakingStatement(line), 1, 0), line);
 }
 
-// ---- What waits for conditional classes ----------------------------------------------------------
-
-PcNode *readConditional(InstNode *inst) {
-    syntaxError(inst->token->line, "conditional classes are not built yet");
-}
-
 }  // namespace vesko

@@ -45,14 +45,15 @@ static Matrix *ownFunction(Matrix *value, Xclass *type) {
     return value;
 }
 
-static void enterField(Xclass *type, PcNode *item, PcNode *node) {
+void enterField(Xclass *type, PcNode *item, bool owns_functions, PcNode *node) {
     const auto name = static_cast<uint32_t>(item->value);
     const auto attr = static_cast<Access>(item->child(0)->value);
     Matrix *value = pinMat(item->eval(1));
     Matrix *domain = pinMat(item->eval(2));
-    demandFieldFunction(value, attr, getFieldName(name), node);
+    if (owns_functions) demandFieldFunction(value, attr, getFieldName(name), node);
     if (!memberOfSet(value, domain, node)) error_domain(node);
-    addClassField(name, type, makeClassField(name, attr, type, ownFunction(value, type), domain));
+    Matrix *entered = owns_functions ? ownFunction(value, type) : value;
+    addClassField(name, type, makeClassField(name, attr, type, entered, domain));
     unpinMat();
     releaseMat(unpinMat());
 }
@@ -64,7 +65,7 @@ Matrix *buildClass(PcNode *node) {
     enterConstructor(type, node);
     enterBases(type, node);
     enterTitle(type, node);
-    for (uint32_t k = 0; k < fields->ncub; k++) enterField(type, fields->child(k), node);
+    for (uint32_t k = 0; k < fields->ncub; k++) enterField(type, fields->child(k), true, node);
     type->validate = findClassFieldIndex(FIELD_INDEX_VALIDATE, type);
     return unpinMat();
 }

@@ -118,7 +118,7 @@ Matrix *fieldOf(Matrix *x, uint32_t name, Wanted wanted, PcNode *node) {
         case L2::BF: return builtinParameterOf(x->builtin(), name);
         case L2::OBJ: return memberOf(x, name, wanted, node);
         case L2::CLASS: return memberOfClass(classOf(x), name);
-        case L2::COND: error_not_built(node, "conditional classes");
+        case L2::COND: return name == FIELD_INDEX_DATABASE ? readDatabase(x, node) : nullptr;
         default: return nullptr;
     }
 }

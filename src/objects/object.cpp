@@ -1,6 +1,8 @@
 // Object records: making, copying, freeing, and look-up of fields.
 #include "objects/object.h"
 
+#include <initializer_list>
+
 #include "engine/frame.h"
 #include "frontend/symbols.h"
 #include "values/audit.h"
@@ -107,8 +109,10 @@ static void auditObject(const Matrix *m) {
 void initObjects() {
     setPayloadFree(L2::OBJ, freeObject);
     setPayloadWalk(L2::OBJ, auditObject);
-    setPayloadFree(L2::CLASS, freeXclass);
-    setPayloadWalk(L2::CLASS, auditXclass);
+    for (L2 kind : {L2::CLASS, L2::COND}) {
+        setPayloadFree(kind, freeXclass);
+        setPayloadWalk(kind, auditXclass);
+    }
 }
 
 // ---- Look-up

@@ -38,6 +38,16 @@ struct Xclass {
     ClassField *field(uint32_t k) const { return fields->at<ClassField>(k); }
 };
 
+// Entries of the head of a conditional class.
+enum CondEntry : uint32_t {
+    cond_database,
+    cond_title,
+    cond_join,
+    cond_validate,
+    cond_withdraw,
+    n_cond_entries
+};
+
 // The slot of one definition; the chain mirrors that of the class.
 struct xfield {
     ClassField *cv;
@@ -66,6 +76,9 @@ Matrix *makeXclass(L2 kind, uint32_t n_fields, uint32_t index_size);
 // A record for addClassField, which the class has room for; nothing may fail between the two.
 ClassField *makeClassField(uint32_t name, Access attr, Xclass *type, Matrix *value, Matrix *domain);
 void addClassField(uint32_t name, Xclass *type, ClassField *cv);  // in front of definitions of bases
+// Evaluates a field item and adds the field. A class owns its functions and demands them for common and auto
+// fields, a conditional class takes what it is given.
+void enterField(Xclass *type, PcNode *item, bool owns_functions, PcNode *node);
 void inherit(Xclass *type, const Xclass *base);  // takes over the nearest definition of each field
 void freeXclass(Matrix *m);
 void auditXclass(const Matrix *m);
@@ -76,6 +89,13 @@ bool isDerivedType(Xclass *type, const Xclass *other);         // other is a bas
 bool isOfClass(const Matrix *object, const Matrix *classmat);  // of the class, or of one derived from it
 // A common or auto field must be a function, an auto one without inputs and with one output.
 void demandFieldFunction(const Matrix *value, Access attr, const char *field, PcNode *node);
+
+// ---- Conditional classes. Objects and classes are held by the caller.
+bool validate_membership(Matrix *object, Matrix *cond, PcNode *node);
+Matrix *readDatabase(Matrix *cond, PcNode *node);  // for the running function; null if it has no access
+// What a call x.name(C, ...) calls, where the class of x has no such field: an acquired field, or a member of
+// the conditional class that the node yields; theDneMat if there is none, or x does not qualify.
+Matrix *findObjVlField(Matrix *object, PcNode *condnode, uint32_t name);
 
 // ---- Making. All return a value, temporary.
 Matrix *newObject(Matrix *classmat);     // with the defaults of the class
