@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "builtins/regexp_match.h"
+#include "builtins/sort.h"
 #include "builtins/workers.h"
 #include "engine/errors.h"
 #include "engine/frame.h"
@@ -105,7 +106,8 @@ static const BfRow rows[] = {
 
 static Matrix *newBuiltin(const BfRow &row) { return newBfMat(make_bf(row)); }
 
-// Every built-in is a global and an entry of the table under one number, as long as no other global exists.
+// Every built-in is a global and an entry of the table under one number, as long as no other global
+// exists.
 static void addBuiltins() {
     for (const BfRow &row : rows) {
         Matrix *m = newBuiltin(row);

@@ -28,7 +28,8 @@ Matrix *callMemberFunc3(Matrix *f, Matrix *a, Matrix *b, Matrix *c, Matrix *pare
 Matrix *callUfByNp(FuncRec *f, PcNode *list, Matrix *parent, PcNode *node);
 Matrix *callBfbyNp(Matrix *f, PcNode *list, PcNode *node);
 
-// Comparators of sorting and searching: negative, 0 or positive.
+// Comparators of sorting and searching: negative, 0 or positive. The caller holds the function and the
+// values.
 int32_t compare_mats_by_uf(FuncRec *f, Matrix *a, Matrix *b, PcNode *node);
 void set_fr_mat_compare(FuncRec *f);
 void set_node_mat_compare(PcNode *node);

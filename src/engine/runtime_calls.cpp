@@ -87,8 +87,10 @@ Matrix *callMemberFunc3(Matrix *f, Matrix *a, Matrix *b, Matrix *c, Matrix *pare
 
 int32_t compare_mats_by_uf(FuncRec *f, Matrix *a, Matrix *b, PcNode *node) {
     if (f->data->nargs != 2) refuseCount(node, 2, f->data->nargs);
-    Matrix *values[] = {a, b};
-    Matrix *result = callWithValues(f, values, 2, nullptr);
+    FuncFrame *frame = openFrame(f->data);
+    giveSlot(frame, 1, a);
+    giveSlot(frame, 2, b);
+    Matrix *result = runAnyCall(f, frame, nullptr);
     int32_t order = 0;
     switch (result->l2type) {
         case L2::RS: order = truncToInt(result->rdata[0]); break;
