@@ -49,6 +49,15 @@ def product(n, times):
     }
 
 
+def each(function, numpy_function, times):
+    """A function of each of a million elements."""
+    return {
+        "vesko": "x = linspace(0.01, 30, 1000000);\nfor %d\n    y = %s(x);\nend\ny[1000000]\n" % (times, function),
+        "numpy": "import numpy as np\nx = np.linspace(0.01, 30, 1000000)\n"
+                 "for _ in range(%d):\n    y = np.%s(x)\nprint(y[-1])\n" % (times, numpy_function),
+    }
+
+
 WORKLOADS = {
     "start": {"vesko": "", "lua": "", "python": ""},
     "statements": statements(),
@@ -381,6 +390,12 @@ for _ in range(100):
 print(z[-1])
 """,
     },
+    "sqrt": each("sqrt", "sqrt", 100),
+    "floor": each("floor", "floor", 100),
+    "sin": each("sin", "sin", 30),
+    "exp": each("exp", "exp", 30),
+    "ln": each("ln", "log", 30),
+    "tanh": each("tanh", "tanh", 30),
     "product400": product(400, 20),
     "product1000": product(1000, 3),
 }

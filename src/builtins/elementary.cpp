@@ -28,9 +28,9 @@ constexpr bool leaves_reals = requires(const Fn f) {
 
 template <class Fn>
 static bool anyBeyond(const Fn &f, const double *x, uint32_t n) {
-    unsigned any = 0;
-    for (uint32_t i = 0; i < n; i++) any |= f.beyond(x[i]) | (x[i] != x[i]);
-    return any;
+    for (uint32_t i = 0; i < n; i++)
+        if (f.beyond(x[i]) || std::isnan(x[i])) return true;
+    return false;
 }
 
 template <class Fn>
@@ -145,10 +145,13 @@ EVERYWHERE(asinh, std::asinh(x))
 EVERYWHERE(cbrt, std::cbrt(x))
 EVERYWHERE(sign, x > 0 ? 1.0 : x < 0 ? -1.0 : x + 0.0)
 
+// Halves go away from zero: adding the number below a half carries exactly those that are not below.
+constexpr double below_half = 0x1.fffffffffffffp-2;
+
 BY_PARTS(ceil, std::ceil(x))
 BY_PARTS(fix, std::trunc(x))
 BY_PARTS(floor, std::floor(x))
-BY_PARTS(round, std::round(x))
+BY_PARTS(round, std::trunc(x + std::copysign(below_half, x)))
 
 REAL_OF(abs, std::fabs(x), std::hypot(a, b))
 REAL_OF(arg, real_arg(x), cmpl_arg(a, b))

@@ -51,14 +51,14 @@ static Matrix *filled(Matrix *args, int x, PcNode *node, const char *builtin) {
     if (kind == 'L') error_kind_not_built(node, L2::BIGINT);
     if (kind == 'M') error_kind_not_built(node, L2::MPF);
     if (!flat && (kind == 'D' || kind == 'C')) return filledMultidim(args, kind == 'C', x, node);
-    if (flat) switch (kind) {
-            case 'D': return filledReal(rows, cols, x);
-            case 'Z': return filledInts(rows, cols, x);
-            case 'B': return filledBytes(newByteMat(rows, cols), static_cast<uint8_t>(x));
-            case 'C': return newCompMat(filledReal(rows, cols, x), filledReal(rows, cols, 0));
-            default: break;
-        }
-    refuseArgument(node, builtin);
+    if (!flat) refuseArgument(node, builtin);
+    switch (kind) {
+        case 'D': return filledReal(rows, cols, x);
+        case 'Z': return filledInts(rows, cols, x);
+        case 'B': return filledBytes(newByteMat(rows, cols), static_cast<uint8_t>(x));
+        case 'C': return newCompMat(filledReal(rows, cols, x), filledReal(rows, cols, 0));
+        default: refuseArgument(node, builtin);
+    }
 }
 
 Matrix *zeros_bf(Matrix *args, Matrix **, PcNode *node) { return filled(args, 0, node, "zeros"); }
@@ -68,20 +68,23 @@ Matrix *binary_bf(Matrix *args, Matrix **, PcNode *node) {
     uint32_t rows, cols;
     char kind;
     extractMatDims(args, rows, cols, false, node, kind);
+    if (kind != 'D') refuseArgument(node, "binary");
     return filledBytes(newBinaryMat(rows, cols), 0);
 }
 
 // ---- A list of n entries without a value
 
-static uint32_t readCount(const Matrix *m, uint32_t least, PcNode *node, const char *builtin, int argument) {
+static uint32_t readCount(const Matrix *m, uint32_t least, uint32_t most, PcNode *node, const char *builtin,
+                          int argument) {
     double n;
-    if (!extract_RS(m, n) || !(n >= least && n <= UINT32_MAX) || n != std::floor(n))
+    if (!extract_RS(m, n) || !(n >= least && n <= most) || n != std::floor(n))
         error_bf_argk_domain(node, builtin, argument);
     return static_cast<uint32_t>(n);
 }
 
 Matrix *newlist_bf(Matrix *args, Matrix **, PcNode *node) {
-    const uint32_t n = readCount(args, 0, node, "newlist", 0);
+    constexpr uint32_t most = 1u << 28;  // all entries link one record
+    const uint32_t n = readCount(args, 0, most, node, "newlist", 0);
     Matrix *list = newListMat(n);
     for (uint32_t k = 0; k < n; k++) addListEntry(list, theEmptyMat());
     return list;
@@ -98,7 +101,7 @@ Matrix *linspace_bf(Matrix *args, Matrix **, PcNode *node) {
     if (!extract_RS(argAt(args, 0), first)) error_bf_argk_domain(node, "linspace", 0);
     if (!extract_RS(argAt(args, 1), last)) error_bf_argk_domain(node, "linspace", 1);
     const Matrix *count = given == most ? argAt(args, 2) : theEmptyMat();
-    const uint32_t n = ISEMPTY(count) ? usual_count : readCount(count, 1, node, "linspace", 2);
+    const uint32_t n = ISEMPTY(count) ? usual_count : readCount(count, 1, UINT32_MAX, node, "linspace", 2);
     Matrix *points = allocRealMat(n, 1, n);
     const double step = n > 1 ? (last - first) / (n - 1) : 0;
     for (uint32_t k = 0; k < n; k++) points->rdata[k] = first + k * step;

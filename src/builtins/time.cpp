@@ -1,5 +1,6 @@
 // Time: the calendar, seconds since 1970, differences, and waiting.
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
 #include <ctime>
 
@@ -59,11 +60,12 @@ Matrix *time_bf(Matrix *args, Matrix **, PcNode *node) {
 static bool readTime(const Matrix *m, double &s) {
     if (m->length == 1) return extract_RS(m, s);
     if (m->length != n_calendar_parts || !hasPlainElements(m->l2type)) return false;
+    constexpr int most = 1000000;
     int parts[n_calendar_parts];
-    for (uint32_t k = 0; k < n_calendar_parts; k++) parts[k] = truncToInt(elementOf(m, k));
+    for (uint32_t k = 0; k < n_calendar_parts; k++)
+        parts[k] = std::clamp(truncToInt(elementOf(m, k)), -most, most);
     tm date = {};
-    constexpr int most_years = 1000000;
-    date.tm_year = std::clamp(parts[0], -most_years, most_years) - 1900;
+    date.tm_year = parts[0] - 1900;
     date.tm_mon = parts[1] - 1;
     date.tm_mday = parts[2];
     date.tm_hour = parts[3];
@@ -92,8 +94,9 @@ void waitSeconds(double s) {
     timespec left;
     s = std::min(s, longest);
     left.tv_sec = static_cast<time_t>(s);
-    left.tv_nsec = static_cast<long>((s - std::floor(s)) / nanosecond);
-    while (nanosleep(&left, &left) != 0) continue;
+    constexpr double longest_fraction = 999999999;
+    left.tv_nsec = static_cast<long>(std::min((s - std::floor(s)) / nanosecond, longest_fraction));
+    while (nanosleep(&left, &left) != 0 && errno == EINTR) continue;
 }
 
 bool readDuration(const Matrix *m, double &s) { return extract_RS(m, s) && s >= 0; }

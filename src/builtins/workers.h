@@ -12,6 +12,7 @@ namespace vesko {
 extern const BfParm interval_parms[1];
 extern const BfParm length_parms[2];
 extern const BfParm log_parms[1];
+extern const BfParm trivial_parms[1];
 extern const BfParm strcmp_parms[1];
 extern const BfParm reduction_parms[1];
 

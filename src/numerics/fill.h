@@ -29,7 +29,7 @@ constexpr uint32_t smallest_streamed = 1u << 19;
 
 // The same without reading z into the caches first.
 template <class F>
-void fillPastCache(double *z, uint32_t n, F f) {
+VESKO_CLONES void fillPastCache(double *z, uint32_t n, F f) {
 #ifdef __SSE2__
     uint32_t i = 0;
     if (reinterpret_cast<uintptr_t>(z) % sizeof(__m128d)) z[i++] = f(0);
