@@ -98,6 +98,12 @@ static Vector *copyValues(const Vector *values) {
     return copy;
 }
 
+Matrix *newBfCopy(const Bfunc *src, uint32_t nvalues) {
+    Matrix *copy = newBfMat(copy_bf(src, nullptr));
+    copy->builtin()->parmValues = newVector(nvalues);
+    return copy;
+}
+
 Bfunc *cloneBfunc(const Bfunc *bf) {
     holdInterrupt();
     Bfunc *copy = copy_bf(bf, copyValues(bf->parmValues));
@@ -156,38 +162,26 @@ static bool fitsSpawn(const Bfunc *bf, uint32_t given) {
     return given >= least && given <= bf->nparms;
 }
 
-// The values of a spawn that is under way, or that ended half-way for want of memory.
-static Vector *spawn_values;
-
-static void dropSpawnValues() {
-    Vector *values = spawn_values;
-    spawn_values = nullptr;
-    freeVector(values, releaseEntry);
-}
-
-void auditSpawn() {
-    for (uint32_t k = 0; spawn_values && k < spawn_values->size; k++) auditLink(spawn_values->matAt(k));
-}
-
-static Matrix *ownSpawned(Bfunc *spawned) {
+// The copy that is to be holds the values until the maintainer has taken them over, so that they are not lost
+// if memory runs out.
+static Matrix *spawned(Bfunc *src, const Matrix *values) {
+    Matrix *copy = newBfCopy(src, values->length);
+    Bfunc *held = copy->builtin();
+    for (uint32_t k = 0; k < values->length; k++) appendMatVecEntry(held->parmValues, values->entries()[k]);
+    Bfunc *made = src->maintainer(BfOperation::Spawn, src, held->parmValues, nullptr, 0);
+    if (!made) return nullptr;
     holdInterrupt();
-    Matrix *result = newBfMat(spawned);
-    spawn_values = nullptr;
+    copy->vdata = made;
+    recycleBlock(held);
     freeInterrupt();
-    return result;
+    return copy;
 }
 
-Matrix *spawnBf(Matrix *bf, Vector *values, PcNode *node) {
-    dropSpawnValues();
-    spawn_values = values;
+Matrix *spawnBf(Matrix *bf, const Matrix *values, PcNode *node) {
     Bfunc *src = bf->builtin();
-    const bool undefined = src->nparms == 0 && values->size == 1;
-    Bfunc *spawned = nullptr;
-    if (src->maintainer && src->nparms && fitsSpawn(src, values->size))
-        spawned = src->maintainer(BfOperation::Spawn, src, values, nullptr, 0);
-    if (spawned) return ownSpawned(spawned);
-    dropSpawnValues();
-    if (undefined) error_undef_opr(node, bf, Opr::Ref);
+    if (src->maintainer && src->nparms && fitsSpawn(src, values->length))
+        if (Matrix *copy = spawned(src, values)) return copy;
+    if (src->nparms == 0 && values->length == 1) error_undef_opr(node, bf, Opr::Ref);
     error_bf_spawn(node, getSymbolName(src->name));
 }
 

@@ -70,18 +70,18 @@ Bfunc *make_Ni0p_bf(const char *name, const char *inputs, BfWorker worker, BfMai
 Bfunc *make_bf(const BfRow &row);                      // with the parameters of the row at their defaults
 void COPY_BF_COMMON(Bfunc *dest, const Bfunc *src);    // all but the parameter values
 Bfunc *copy_bf(const Bfunc *src, Vector *parmValues);  // takes the vector over
+// A value of its own with room for parameter values, to which the caller appends them.
+Matrix *newBfCopy(const Bfunc *src, uint32_t nvalues);
 Bfunc *cloneBfunc(const Bfunc *bf);
 void freeBfunc(Bfunc *bf);
 // The maintainer of built-ins whose parameters are told by their row. Values that a spawn leaves out are
 // those of the record that is spawned.
 Bfunc *parms_bf_maintainer(BfOperation op, Bfunc *bf, Vector *parmVector, Matrix *value, uint32_t field);
 
-void auditSpawn();  // for the audit of links
-
 // ---- Calls and parameters. Results are borrowed.
 Matrix *callBf(Bfunc *bf, Matrix *args, PcNode *node);
-Matrix *spawnBf(Matrix *bf, Vector *values,
-                PcNode *node);                         // f[...]: takes the vector over; refused: an error
+Matrix *spawnBf(Matrix *bf, const Matrix *values,
+                PcNode *node);                         // f[...]: a list of values; refused: an error
 uint32_t findBfParm(const Bfunc *bf, uint32_t field);  // place of its value, or not_found
 Matrix *getBfParm(const Bfunc *bf, uint32_t field);    // theDneMat if there is none of that name
 void resetBfParm(Bfunc *bf, uint32_t field, Matrix *value, PcNode *node);  // f.parm = value

@@ -188,7 +188,6 @@ void setBfunc() {
     setPayloadFree(L2::BF, [](Matrix *m) { freeBfunc(m->builtin()); });
     setPayloadWalk(L2::BF, auditBfunc);
     addHolderWalk("table of built-ins", auditTable);
-    addHolderWalk("spawn", auditSpawn);
     initPatterns();
     bfvec = newVector(room);
     addBuiltins();

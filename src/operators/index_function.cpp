@@ -34,16 +34,10 @@ Matrix *doUfRemake(Matrix *f, const Matrix *values, PcNode *node) {
     return copy;
 }
 
-Vector *linkedVector(const Matrix *list) {
-    Vector *v = newVector(list->length);
-    for (uint32_t k = 0; k < list->length; k++) appendMatVecEntry(v, list->entries()[k]);
-    return v;
-}
-
 }  // namespace
 
 Matrix *spawnFunction(Matrix *f, Matrix *values, PcNode *node) {
-    return f->l2type == L2::UF ? doUfRemake(f, values, node) : spawnBf(f, linkedVector(values), node);
+    return f->l2type == L2::UF ? doUfRemake(f, values, node) : spawnBf(f, values, node);
 }
 
 Matrix *objectRef(Matrix *object, Matrix *values, PcNode *node) {
@@ -109,11 +103,11 @@ EntryFunction entry_rows = {"matentryrows", "i", entryFunctionRows, 2, nullptr};
 EntryFunction entry_columns = {"matentrycolumns", "j", entryFunctionCols, 2, nullptr};
 
 Matrix *newEntryFunction(EntryFunction &making, Matrix *m, Matrix *index) {
-    const Bfunc *prototype = making.prototype();
-    Vector *values = newVector(making.nparms);
+    Matrix *function = newBfCopy(making.prototype(), making.nparms);
+    Vector *values = function->builtin()->parmValues;
     appendMatVecEntry(values, m);
     if (index) appendMatVecEntry(values, index);
-    return newBfMat(copy_bf(prototype, values));
+    return function;
 }
 
 bool isIndexable(const Matrix *m, NodeKind kind) {

@@ -56,7 +56,8 @@ static bool isBeyondMachine(size_t size) {
 }
 
 static void *resize(void *p, size_t old_size, size_t new_size) {
-    if (isBeyondMachine(new_size > old_size ? new_size - old_size : 0) || refuseInjected()) refuseMemory(new_size);
+    if (isBeyondMachine(new_size > old_size ? new_size - old_size : 0) || refuseInjected())
+        refuseMemory(new_size);
     holdInterrupt();
     void *q = std::realloc(p, new_size ? new_size : 1);
     if (q) total_mem_allocated += static_cast<uint32_t>(new_size - old_size);
