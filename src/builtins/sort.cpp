@@ -13,6 +13,7 @@
 #include "engine/interrupt.h"
 #include "engine/pins.h"
 #include "frontend/symbols.h"
+#include "members/auto_fields.h"
 #include "objects/object.h"
 #include "operators/dispatch.h"
 #include "operators/families.h"
@@ -83,7 +84,7 @@ Matrix *keyOfFunction(const Sorting &s, Matrix *m) { return callUfByMat(s.functi
 Matrix *keyOfBuiltin(const Sorting &s, Matrix *m) { return callBf(s.function->builtin(), m, s.node); }
 Matrix *keyOfField(const Sorting &s, Matrix *m) {
     const uint32_t name = static_cast<uint32_t>(s.by);
-    Matrix *value = m->l2type == L2::OBJ ? readObjField(m, name, s.node) : nullptr;
+    Matrix *value = m->l2type == L2::OBJ ? readObjField(m, name, s.node) : readAutoField(m, name, s.node);
     if (!value) error_dne(s.node, getFieldName(name));
     return value;
 }
