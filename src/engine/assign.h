@@ -3,6 +3,7 @@
 #pragma once
 
 #include "engine/node.h"
+#include "engine/pins.h"
 #include "values/matrix.h"
 
 namespace vesko {
@@ -43,6 +44,14 @@ Matrix *uniquelize(Target &target);  // returns the target's value
 // Asks the domains on the path again; a refused change is undone, and ends with error_asgn_justify. Takes off
 // all pins since openTarget. Returns the result, borrowed.
 Matrix *closeTarget(Target &target, Matrix *result, PcNode *node);
+
+// What change(value) answers; it may change the value of the place, which has no other holder then.
+template <class Change>
+Matrix *changeTarget(PcNode *place, PcNode *node, Change change) {
+    Target target = openTarget(place);
+    Matrix *result = change(pinMat(uniquelize(target)));
+    return closeTarget(target, result, node);
+}
 
 // ---- Stores at once, between openTarget and uniquelize: where the target is a plain variable without a
 // domain there is nothing on the way that must be un-shared or asked.

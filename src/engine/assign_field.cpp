@@ -9,6 +9,7 @@
 #include "frontend/symbols.h"
 #include "objects/object.h"
 #include "operators/dispatch.h"
+#include "values/convert.h"
 #include "values/memory.h"
 #include "values/payload.h"
 
@@ -77,10 +78,20 @@ void storeField(Matrix *owner, Matrix *value, PcNode *node) {
 
 }  // namespace
 
+// The object of a variable without a domain, if the variable alone holds it; or null.
+static Matrix *soleObject(const PcNode *lvalue) {
+    if (lvalue->kind != NodeKind::Variable) return nullptr;
+    const Variable *var = getVar(static_cast<uint32_t>(lvalue->value));
+    const bool sole = var->value->l2type == L2::OBJ && var->value->nlinks() == 1 && !var->domain;
+    return sole ? var->value : nullptr;
+}
+
 // The owner is pinned: domains and `validate` run code of the user.
 Matrix *doFieldAsgn(PcNode *node) {
     Target target = openTarget(node->child(0)->child(0));
     const FieldValue v = evalFieldValue(node);
+    Matrix *object = v.domain ? nullptr : soleObject(target.lvalue);
+    if (object && quickStore(object, fieldOf(node), v.value)) return storedQuickly(target, v.value);
     Matrix *owner = pinMat(uniquelize(target));
     if (v.domain)
         addConfinedField(owner, v, node);
@@ -117,6 +128,13 @@ void storeReadonlyParameter(const FuncRec *f, Matrix *value, PcNode *node) {
     storeParameter(parm, value, node);
 }
 
+// An object in a field of its own is a copy, or it would hold itself.
+void storeInObject(Matrix *parent, Matrix *value, PcNode *node) {
+    if (quickStore(parent, fieldOf(node), value)) return;
+    if (value == parent) value = pinMat(cloneMatrix(value));
+    resetParFieldWithValidation(parent, fieldOf(node), value, node);
+}
+
 }  // namespace
 
 Matrix *doParFieldAsgn(PcNode *node) {
@@ -126,7 +144,7 @@ Matrix *doParFieldAsgn(PcNode *node) {
     if (v.domain)
         addConfinedField(parent, v, node);
     else if (parent->l2type == L2::OBJ)
-        resetParFieldWithValidation(parent, fieldOf(node), v.value, node);
+        storeInObject(parent, v.value, node);
     else if (parent->l2type == L2::UF)
         storeReadonlyParameter(parent->func(), v.value, node);
     else

@@ -51,34 +51,41 @@ void storeInVariables(PcNode *targets, Matrix *values, PcNode *node) {
 
 using StoreField = void (*)(Xobject *obj, uint32_t name, Matrix *value, PcNode *node);
 
+// The values are those of a list. Each store stays open.
 void storeFields(PcNode *targets, Matrix *object, Matrix *values, PcNode *node) {
     const bool parent = targets->child(0)->child(0)->kind == NodeKind::Parent;
     const StoreField store = parent ? resetParField : resetObjField;
     for (uint32_t k = 0; k < targets->ncub; k++) {
         if (targets->child(k)->kind != NodeKind::Field) error_multi_asgn(node, no_value);
-        Matrix *value = pinMat(getMatVecComponent(values, k));
-        store(objectOf(object), static_cast<uint32_t>(targets->child(k)->value), value, node);
-        releaseMat(unpinMat());
+        store(objectOf(object), static_cast<uint32_t>(targets->child(k)->value), values->entries()[k], node);
     }
 }
 
-// A class with `validate` judges all the new values together, and may have the old ones back.
+// A class with `validate` judges all the new values together; it is not asked about fields that are missing.
 void storeValidFields(PcNode *targets, Matrix *object, Matrix *values, PcNode *node) {
-    Matrix *old = pinMat(buildMatList(targets));
+    releaseMat(buildMatList(targets));
     storeFields(targets, object, values, node);
-    if (validate_class_member(object, node)) return;
-    storeFields(targets, object, old, node);
-    error_asgn_justify(node);
+    if (!validate_class_member(object, node)) error_asgn_justify(node);
+}
+
+Matrix *listOfComponents(Matrix *values) {
+    if (isList(values->l2type)) return values;
+    Matrix *list = newListMat(values->length);
+    for (uint32_t k = 0; k < values->length; k++) addListEntry(list, getMatVecComponent(values, k));
+    return list;
 }
 
 void storeInObject(PcNode *targets, Matrix *values, PcNode *node) {
     Target target = openTarget(targets->child(0)->child(0));
     Matrix *object = pinMat(uniquelize(target));
     if (object->l2type != L2::OBJ) error_multi_asgn(node, static_cast<int32_t>(index(object->l2type)));
+    pinMat(values = listOfComponents(values));
+    const uint32_t first_store = openStoreCount();
     if (objectOf(object)->type()->validate == not_found)
         storeFields(targets, object, values, node);
     else
         storeValidFields(targets, object, values, node);
+    while (openStoreCount() > first_store) releaseMat(closeStore());
     closeTarget(target, theNullMat(), node);
 }
 

@@ -15,7 +15,6 @@ namespace vesko {
 struct PcNode;
 struct Pod;
 struct Xproc;
-struct Xclass;
 struct FuncFrame;
 
 struct Variable {
@@ -54,7 +53,7 @@ struct FuncRec {
     uint8_t is_member;  // grants access to private and readonly fields of its class
     bool dropped;       // its value is gone, and the runtime still calls it: the last hold frees it
     uint32_t nholds;    // see holdFunc
-    Xclass *owner;      // class it belongs to, or null
+    uint64_t owner;     // serial number of the class it belongs to, or 0
 };
 
 // A list of slots: all `cap` of them are sound Variables, `size` are in use.

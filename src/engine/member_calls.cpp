@@ -4,6 +4,7 @@
 #include "engine/assign.h"
 #include "engine/calls.h"
 #include "engine/errors.h"
+#include "engine/frame.h"
 #include "engine/handlers.h"
 #include "engine/pins.h"
 #include "frontend/symbols.h"
@@ -121,13 +122,19 @@ bool changesParent(const Matrix *member, const Matrix *owner) {
     return member->l2type == L2::UF && member->func()->data->isMutator() && owner->l2type == L2::OBJ;
 }
 
+// The function may change the owner as it is: no other holder sees it, and no domain is to be asked.
+bool isSole(const PcNode *place, const Matrix *owner) {
+    if (place->kind == NodeKind::Parent || owner->isTemp()) return true;
+    if (place->kind != NodeKind::Variable) return false;
+    return owner->nlinks() == 1 && !getVar(static_cast<uint32_t>(place->value))->domain;
+}
+
 // A function that changes its parent gets an object of which no other holder sees the change; the domains on
 // the way to it are asked behind the call.
 Matrix *callOnTarget(Matrix *member, PcNode *place, PcNode *node, MemberCall call) {
     pinMat(member);
-    Target target = openTarget(place);
-    Matrix *result = call(member, pinMat(uniquelize(target)), node);
-    result = keepResult(closeTarget(target, result, node));
+    Matrix *result =
+        keepResult(changeTarget(place, node, [&](Matrix *object) { return call(member, object, node); }));
     releaseMat(unpinMat());
     return passResult(result);
 }
@@ -144,8 +151,11 @@ Matrix *doMemberCall(PcNode *node, MemberCall call, Matrix *(*method)(Matrix *, 
     if (!member) error_dne(node, fieldNameOf(field));
     if (changesParent(member, owner)) {
         unpinMat();
-        if (isTarget(place)) return callOnTarget(member, place, node, call);
-        owner = pinMat(owner->isTemp() ? owner : cloneMatrix(owner));
+        if (!isSole(place, owner)) {
+            if (isTarget(place)) return callOnTarget(member, place, node, call);
+            owner = cloneMatrix(owner);
+        }
+        pinMat(owner);
     }
     pinMat(member);
     Matrix *result = keepResult(call(member, owner, node));

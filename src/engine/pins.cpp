@@ -14,6 +14,13 @@ uint32_t npinned, pincap;
 static FuncRec **held;
 static uint32_t nheld, heldcap;
 
+struct OpenStore {
+    Matrix **slot;
+    uint32_t pin;  // the old value
+};
+static OpenStore *stores;
+static uint32_t nstores, storecap;
+
 template <class T>
 static void doubleStack(T *&stack, uint32_t &cap) {
     holdInterrupt();
@@ -23,7 +30,8 @@ static void doubleStack(T *&stack, uint32_t &cap) {
 }
 
 void initPins() {
-    pincap = heldcap = 1024;
+    pincap = heldcap = storecap = 1024;
+    stores = static_cast<OpenStore *>(i_malloc(storecap * sizeof(OpenStore)));
     pinned = static_cast<Matrix **>(i_malloc(pincap * sizeof(Matrix *)));
     held = static_cast<FuncRec **>(i_malloc(heldcap * sizeof(FuncRec *)));
     addHolderWalk("pin", [] {
@@ -44,9 +52,31 @@ void releaseFunc() {
     if (--f->nholds == 0 && f->dropped) freeFuncRec(f);
 }
 
+void openStore(Matrix **slot) {
+    if (nstores == storecap) doubleStack(stores, storecap);
+    pinMat(*slot);
+    stores[nstores] = {slot, npinned - 1};
+    orderStores();
+    nstores++;
+}
+
+Matrix *closeStore() {
+    nstores--;
+    orderStores();
+    return unpinMat();
+}
+
+uint32_t openStoreCount() { return nstores; }
+
 // A value that nobody else holds becomes a temporary, for the sweep.
 void unpinTo(uint32_t n) {
-    while (npinned > n) unpinMat();
+    while (npinned > n) {
+        if (nstores && stores[nstores - 1].pin == npinned - 1) {
+            Matrix **slot = stores[--nstores].slot;
+            replaceMat(*slot, pinned[npinned - 1]);
+        }
+        unpinMat();
+    }
 }
 
 uint32_t heldFuncCount() { return nheld; }

@@ -30,11 +30,24 @@ Matrix *callWithValues(FuncRec *f, Matrix *const *values, uint32_t n, Matrix *pa
     return result;
 }
 
+// The parent, which the caller pins once. A function that changes it gets a copy if others hold the
+// object too.
+Matrix *ownParent(const FuncRec *f, Matrix *parent) {
+    constexpr uint32_t sole = 2;
+    const bool shared = parent && parent->l2type == L2::OBJ && parent->nlinks() > sole;
+    return shared && f->data->isMutator() ? cloneMatrix(parent) : parent;
+}
+
 // A member that is no function is multiplied with the value, or with the list of several.
 Matrix *callMember(Matrix *f, Matrix *const *values, uint32_t n, Matrix *parent, PcNode *node) {
     if (f->l2type == L2::UF) {
         if (n > f->func()->data->nargs) refuseCount(node, n, f->func()->data->nargs);
-        return callWithValues(f->func(), values, n, parent);
+        Matrix *own = ownParent(f->func(), parent);
+        Matrix *result = callWithValues(f->func(), values, n, own);
+        if (own == parent) return result;
+        keepResult(result);
+        releaseMat(own);
+        return passResult(result);
     }
     if (n == 1) return getMatProduct(f, values[0], node);
     Matrix *list =

@@ -37,11 +37,11 @@ static void enterTitle(Xclass *type, PcNode *node) {
 }
 
 // A function belongs to one class: one that others hold too serves as a copy.
-static Matrix *ownFunction(Matrix *value, Xclass *type) {
+static Matrix *ownFunction(Matrix *value, const Xclass *type) {
     if (value->l2type != L2::UF) return value;
     constexpr uint32_t own_pins = 1;
-    if (value->nlinks() > own_pins && value->func()->owner != type) value = copyUf(value);
-    value->func()->owner = type;
+    if (value->nlinks() > own_pins) value = copyUf(value);
+    value->func()->owner = type->serial;
     return value;
 }
 

@@ -13,10 +13,12 @@ namespace vesko {
 
 // ---- Making and freeing
 
+static uint64_t last_serial;
+
 Matrix *makeXclass(L2 kind, uint32_t n_fields, uint32_t index_size) {
     Matrix *m = newPayloadMat(kind, [=] {
         auto *type = newBlock<Xclass>();
-        *type = {newVector(4), newVector(n_fields), newVector(index_size), not_found, 0, 0};
+        *type = {newVector(4), newVector(n_fields), newVector(index_size), not_found, ++last_serial, 0, 0};
         return type;
     });
     Vector *index = classOf(m)->index;
@@ -53,10 +55,6 @@ void auditXclass(const Matrix *m) {
 }
 
 // ---- The table of fields
-
-uint32_t findClassFieldIndex(uint32_t name, const Xclass *type) {
-    return name < type->index->size ? static_cast<uint32_t>(type->index->numberAt(name)) : not_found;
-}
 
 static void reserveField(Xclass *type, uint32_t name) {
     while (type->index->size <= name) addElement(type->index, asEntry(not_found));

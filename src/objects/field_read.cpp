@@ -1,5 +1,6 @@
 // Reading of fields: x.f, parent.f and x::C.f.
 #include "builtins/bfunc.h"
+#include "engine/assign.h"
 #include "engine/calls.h"
 #include "engine/errors.h"
 #include "engine/frame.h"
@@ -130,18 +131,40 @@ Matrix *passFromOwner(Matrix *value) {
     return detachMat(value);
 }
 
+// A value that an object which somebody holds shows to everybody; null for all else, which takes the long
+// way.
+Matrix *plainMember(const Matrix *owner, uint32_t name) {
+    if (owner->l2type != L2::OBJ || owner->isTemp()) return nullptr;
+    const xfield *slot = findObjSlot(objectOf(owner), name);
+    return slot && slot->cv->attr <= Access::Readonly ? slot->value : nullptr;
+}
+
+// The function of an auto field that changes its object; or null.
+Matrix *changingAuto(const Matrix *owner, uint32_t name) {
+    const xfield *slot = owner->l2type == L2::OBJ ? findObjSlot(objectOf(owner), name) : nullptr;
+    const bool changes = slot && slot->cv->attr == Access::Auto && slot->cv->value->func()->data->isMutator();
+    return changes ? slot->cv->value : nullptr;
+}
+
 Matrix *readField(PcNode *node, Wanted wanted) {
     const uint32_t name = node->value;
-    Matrix *owner = pinMat(node->eval(0));
+    PcNode *place = node->child(0);
+    Matrix *owner = node->eval(0);
+    if (Matrix *value = plainMember(owner, name)) return value;
+    Matrix *function = wanted == Wanted::Value ? changingAuto(owner, name) : nullptr;
+    if (function && isTarget(place))
+        return changeTarget(place, node, [=](Matrix *object) { return runAuto(function, object, node); });
+    pinMat(owner);
     Matrix *value = fieldOf(owner, name, wanted, node);
     if (!value) value = readAutoField(owner, name, node);
     if (!value) error_dne(node, getFieldName(name));
     return passFromOwner(value);
 }
 
+// The frame holds the parent.
 Matrix *readParentField(PcNode *node, Wanted wanted) {
     const uint32_t name = node->value;
-    Matrix *parent = pinMat(getParent(node));
+    Matrix *parent = getParent(node);
     Matrix *value = nullptr;
     switch (parent->l2type) {
         case L2::OBJ: value = parentMember(parent, name, wanted, node); break;
@@ -150,7 +173,7 @@ Matrix *readParentField(PcNode *node, Wanted wanted) {
         default: break;
     }
     if (!value) error_dne(node, getFieldName(name));
-    return passFromOwner(value);
+    return value;
 }
 
 Matrix *readForcedField(PcNode *node, Wanted wanted) {

@@ -11,7 +11,7 @@ namespace vesko {
 // ---- The slot that takes the value. Null: the name is new, and becomes an acquired field.
 
 static void demandDomain(Matrix *value, Matrix *domain, uint32_t name, PcNode *node) {
-    if (!memberOfSet(value, domain, node))
+    if (domain != theCompleteMat() && !memberOfSet(value, domain, node))
         error_obj_field_reset(node, FieldReset::OutOfDomain, getFieldName(name));
 }
 
@@ -42,21 +42,32 @@ static Matrix **parentSlot(const Xobject *obj, uint32_t name, Matrix *value, PcN
     return &slot->value;
 }
 
-// ---- Plain stores
+// ---- Stores
 
-static void put(Xobject *obj, Matrix **slot, uint32_t name, Matrix *value) {
-    if (slot)
-        replaceMat(*slot, value);
-    else
-        addStructField(obj->vlfields, name, value, theCompleteMat());
+static void addField(Xobject *obj, uint32_t name, Matrix *value) {
+    addStructField(obj->vlfields, name, value, theCompleteMat());
+}
+
+static void putOpen(Xobject *obj, Matrix **slot, uint32_t name, Matrix *value) {
+    if (!slot) return addField(obj, name, value);
+    openStore(slot);
+    replaceMat(*slot, value);
 }
 
 void resetObjField(Xobject *obj, uint32_t name, Matrix *value, PcNode *node) {
-    put(obj, publicSlot(obj, name, value, node), name, value);
+    putOpen(obj, publicSlot(obj, name, value, node), name, value);
 }
 
 void resetParField(Xobject *obj, uint32_t name, Matrix *value, PcNode *node) {
-    put(obj, parentSlot(obj, name, value, node), name, value);
+    putOpen(obj, parentSlot(obj, name, value, node), name, value);
+}
+
+bool quickStore(Matrix *object, uint32_t name, Matrix *value) {
+    xfield *slot = findObjSlot(objectOf(object), name);
+    if (!slot || slot->cv->attr != Access::Public || slot->cv->domain != theCompleteMat()) return false;
+    if (objectOf(object)->type()->validate != not_found || value == object) return false;
+    replaceMat(slot->value, value);
+    return true;
 }
 
 // ---- Stores that the class validates
@@ -64,8 +75,7 @@ void resetParField(Xobject *obj, uint32_t name, Matrix *value, PcNode *node) {
 bool validate_class_member(Matrix *object, PcNode *node) {
     const Xclass *type = objectOf(object)->type();
     if (type->validate == not_found) return true;
-    const auto *field = type->fields->at<ClassField>(type->validate);
-    Matrix *answer = callMbUfByMat(field->value->func(), nullptr, object, node);
+    Matrix *answer = callMbUfByMat(type->field(type->validate)->value->func(), nullptr, object, node);
     const bool valid = getMatLogVal(answer);
     releaseMat(answer);
     return valid;
@@ -73,10 +83,18 @@ bool validate_class_member(Matrix *object, PcNode *node) {
 
 // A field that the object has just acquired is not validated.
 static void putValidated(Matrix *object, Matrix **slot, uint32_t name, Matrix *value, PcNode *node) {
-    Matrix *old = pinMat(slot ? *slot : theEmptyMat());
-    put(objectOf(object), slot, name, value);
-    if (slot && !validate_class_member(object, node)) replaceMat(*slot, old);
-    releaseMat(unpinMat());
+    Xobject *obj = objectOf(object);
+    if (!slot) return addField(obj, name, value);
+    if (obj->type()->validate == not_found) {
+        replaceMat(*slot, value);
+        return;
+    }
+    openStore(slot);
+    replaceMat(*slot, value);
+    const bool valid = validate_class_member(object, node);
+    Matrix *old = closeStore();
+    if (!valid) replaceMat(*slot, old);
+    releaseMat(old);
 }
 
 void resetObjFieldWithValidation(Matrix *object, uint32_t name, Matrix *value, PcNode *node) {

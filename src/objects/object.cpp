@@ -14,7 +14,7 @@ namespace vesko {
 // ---- The class of plain structures: no fields, never freed
 
 static Vector nothing;
-static Xclass struct_class = {&nothing, &nothing, &nothing, not_found, 0, 0};
+static Xclass struct_class = {&nothing, &nothing, &nothing, not_found, 0, 0, 0};
 static constinit Matrix struct_class_value = [] {
     Matrix m = {};
     m.l1type = L1::PF;
@@ -117,11 +117,6 @@ void initObjects() {
 
 // ---- Look-up
 
-xfield *findObjSlot(const Xobject *obj, uint32_t name) {
-    const uint32_t k = findClassFieldIndex(name, obj->type());
-    return k == not_found ? nullptr : obj->xfields->at<xfield>(k);
-}
-
 Matrix *findObjField(const Xobject *obj, uint32_t name) {
     const xfield *slot = findObjSlot(obj, name);
     return slot ? slot->value : nullptr;
@@ -148,7 +143,7 @@ Matrix *findObjAcquiredField(const Matrix *object, uint32_t name) {
 
 bool isMemberOf(const ClassField *field) {
     const FuncRec *running = getTopFuncRec();
-    return running && running->is_member && running->owner == field->owner;
+    return running && running->is_member && running->owner == field->owner->serial;
 }
 
 }  // namespace vesko

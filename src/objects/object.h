@@ -30,6 +30,7 @@ struct Xclass {
     Vector *fields;     // ClassField: head of the chain of each name
     Vector *index;      // position in `fields` by field index, or not_found
     uint32_t validate;  // position of the field "validate", or not_found
+    uint64_t serial;    // from 1, never used again: functions remember their class by it
     uint64_t asked;     // number of the search for a distance that knows the next entry
     uint32_t distance;
 
@@ -103,9 +104,14 @@ Matrix *newClassLessObject(uint32_t n);  // room for n acquired fields
 Matrix *cloneObject(const Matrix *m);    // the values of the fields stay shared
 
 // ---- Look-up; null when there is none.
-uint32_t findClassFieldIndex(uint32_t name, const Xclass *type);  // position, or not_found
-xfield *findObjSlot(const Xobject *obj, uint32_t name);           // of the nearest definition
-Matrix *findObjField(const Xobject *obj, uint32_t name);          // its value
+inline uint32_t findClassFieldIndex(uint32_t name, const Xclass *type) {  // position, or not_found
+    return name < type->index->size ? static_cast<uint32_t>(type->index->numberAt(name)) : not_found;
+}
+inline xfield *findObjSlot(const Xobject *obj, uint32_t name) {  // of the nearest definition
+    const uint32_t k = findClassFieldIndex(name, obj->type());
+    return k == not_found ? nullptr : obj->xfields->at<xfield>(k);
+}
+Matrix *findObjField(const Xobject *obj, uint32_t name);  // its value
 xfield *findForcedObjField(const Xobject *obj, uint32_t name, const Xclass *type);
 sfield *findAcquiredField(const Xobject *obj, uint32_t name);
 Matrix *findObjAcquiredField(const Matrix *object, uint32_t name);  // the value, or theDneMat
@@ -118,10 +124,13 @@ Matrix *getStructFieldFunc(PcNode *node);
 Matrix *getForcedFieldFunc(PcNode *node);
 Matrix *getParFieldFunc(PcNode *node);
 
-// ---- Stores. The object must have no other holder. The forms with validation take a store back, silently,
-// that the class's `validate` refuses.
+// ---- Stores. The object must have no other holder, and stays pinned. The plain forms leave an open store
+// (engine/pins.h), but for a field that is new. The forms with validation take a store back, silently, that
+// the class's `validate` refuses.
 void resetObjField(Xobject *obj, uint32_t name, Matrix *value, PcNode *node);
 void resetParField(Xobject *obj, uint32_t name, Matrix *value, PcNode *node);
+// Stores at once where nothing can refuse: a public field without domain of a class that does not validate.
+bool quickStore(Matrix *object, uint32_t name, Matrix *value);
 void resetObjFieldWithValidation(Matrix *object, uint32_t name, Matrix *value, PcNode *node);
 void resetParFieldWithValidation(Matrix *object, uint32_t name, Matrix *value, PcNode *node);
 enum class ForcedStore { NoEntry = 101, Refused = 102, Done = 115 };

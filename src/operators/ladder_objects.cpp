@@ -38,7 +38,9 @@ Matrix *objectOperator(Arith op, Matrix *a, Matrix *b, PcNode *node) {
         object->l2type == L2::OBJ ? findObjField(objectOf(object), members[index(written)]) : nullptr;
     if (!member) error_undef_opr2(node);
     pinMat(member);
+    pinMat(object);
     Matrix *result = keepResult(callMemberFunc(member, other, object, node));
+    unpinMat();
     releaseMat(unpinMat());
     return passResult(result);
 }
