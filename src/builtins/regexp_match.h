@@ -10,13 +10,12 @@
 #include <cstdint>
 #include <string_view>
 
+#include "operators/text_builder.h"
 #include "values/matrix.h"
 
 namespace vesko {
 
 void initPatterns();  // once, at start, before the first pattern is compiled
-
-inline std::string_view textOf(const Matrix *string) { return {string->text(), string->length}; }
 
 // The letters i, m and a, each as a bit. All have the effect of i.
 unsigned getReOptions(std::string_view options);

@@ -20,6 +20,7 @@
 #include "frontend/token.h"
 #include "numerics/dense.h"
 #include "objects/object.h"
+#include "textio/file.h"
 #include "values/audit.h"
 #include "values/containers.h"
 #include "values/display.h"
@@ -50,6 +51,7 @@ void initialize() {
     setOprPriority();
     std::srand(static_cast<unsigned>(std::time(nullptr)));
     setBfunc();
+    initFiles();
     initDisplayFormat();
 }
 
@@ -109,6 +111,7 @@ void parseRestart() { returnToTopLevel(); }
 void leaveProgram(int status) {
     holdInterrupt();
     finishScreen();
+    flushFiles();
     std::_Exit(status);
 }
 

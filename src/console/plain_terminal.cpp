@@ -3,12 +3,15 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
+#include <cstdlib>
 #include <cstring>
 
 #include "console/editor.h"
 #include "console/terminal.h"
 #include "console/worksheet.h"
 #include "engine/interrupt.h"
+#include "textio/file.h"
 #include "values/memory.h"
 
 namespace vesko {
@@ -33,13 +36,34 @@ private:
     size_t input_pos_ = 0, input_end_ = 0;
 };
 
+// Nobody reads the output any more: the process ends as such processes do.
+[[noreturn]] void endWithBrokenPipe() {
+    flushFiles();
+    std::signal(SIGPIPE, SIG_DFL);
+    std::raise(SIGPIPE);
+    std::_Exit(1);  // the signal is blocked
+}
+
 void writeAll(const char *text, size_t length) {
     while (length > 0) {
         ssize_t written = write(STDOUT_FILENO, text, length);
         if (written < 0 && errno == EINTR) continue;
+        if (written < 0 && errno == EPIPE) endWithBrokenPipe();
         if (written <= 0) return;
         text += written;
         length -= static_cast<size_t>(written);
+    }
+}
+
+void writeLine(const Vsline &line) {
+    char small[512];
+    if (line.length < sizeof small) {
+        std::memcpy(small, line.text, line.length);
+        small[line.length] = '\n';
+        writeAll(small, line.length + 1);
+    } else {
+        writeAll(line.text, line.length);
+        writeAll("\n", 1);
     }
 }
 
@@ -51,15 +75,7 @@ void PlainTerminal::lineFinished(const Vsline &line) {
         return;
     }
     for (; blank_lines_ > 0; --blank_lines_) writeAll("\n", 1);
-    char small[512];
-    if (line.length < sizeof small) {
-        std::memcpy(small, line.text, line.length);
-        small[line.length] = '\n';
-        writeAll(small, line.length + 1);
-    } else {
-        writeAll(line.text, line.length);
-        writeAll("\n", 1);
-    }
+    writeLine(line);
 }
 
 // More bytes from standard input. An interrupt can leave the wait, but not the reading: what has been taken
@@ -87,9 +103,14 @@ bool endLine() {
     return true;
 }
 
+// What a program asks for is shown to a pipe too, as an output line.
 bool PlainTerminal::editLine() {
     bool got_text = false;
-    if (prompts_) writeAll(vscr.current->text, vscr.current->length);
+    const uint32_t start = vscr.current->length;
+    if (prompts_)
+        writeAll(vscr.current->text, start);
+    else if (vscr.current->kind == LineKind::Input && start > prompt_width)
+        writeLine(*vscr.current);
     for (;;) {
         if (input_pos_ == input_end_ && !fillInput()) return got_text && endLine();
         got_text = true;
@@ -100,8 +121,7 @@ bool PlainTerminal::editLine() {
         holdInterrupt();
         printStr(begin, static_cast<uint32_t>(length), false);
         input_pos_ += length + (end ? 1 : 0);
-        if (end && vscr.current->length > prompt_width &&
-            vscr.current->text[vscr.current->length - 1] == '\r')
+        if (end && vscr.current->length > start && vscr.current->text[vscr.current->length - 1] == '\r')
             --vscr.current->length;
         if (end) cmd_enter();
         freeInterrupt();

@@ -38,11 +38,20 @@ void intHandler(int) {
     fireInterrupt();
 }
 
-void installIntHandler() {
+static void setHandler(int signal, void (*handler)(int), int flags) {
     struct sigaction action = {};
-    action.sa_handler = intHandler;
+    action.sa_handler = handler;
+    action.sa_flags = flags;
     sigemptyset(&action.sa_mask);
-    sigaction(SIGINT, &action, nullptr);
+    sigaction(signal, &action, nullptr);
+}
+
+// A pipe that nobody reads any more is a failed write, not the end of the process. Programs that are started
+// get the signal as usual, which they would not if it were ignored here.
+void installIntHandler() {
+    setHandler(SIGINT, intHandler, 0);
+    setHandler(
+        SIGPIPE, [](int) {}, SA_RESTART);
 }
 
 void growMachineStack() {

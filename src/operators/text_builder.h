@@ -1,4 +1,4 @@
-// A string under construction.
+// Strings as they are read, and strings under construction.
 #pragma once
 
 #include <algorithm>
@@ -8,6 +8,8 @@
 #include "operators/growth.h"
 
 namespace vesko {
+
+inline std::string_view textOf(const Matrix *string) { return {string->text(), string->length}; }
 
 // The string is a temporary that growth may replace: nothing else may hold it. What is added must not be a
 // part of it. A length that no record can hold ends the command.
