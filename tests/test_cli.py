@@ -185,7 +185,64 @@ class Signals(unittest.TestCase):
             process.stdin.close()
         except BrokenPipeError:
             pass
-        process.wait(timeout=30)
+        self.assertEqual(process.wait(timeout=30), -signal.SIGPIPE)
+
+
+class Files(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = folder.name
+        os.mkfifo(os.path.join(self.folder, "pipe"))
+
+    def interrupt(self, start, command):
+        process = subprocess.Popen([VESKO, "-rtpath", "/a"], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                                   cwd=self.folder, env=dict(os.environ, HOME=self.folder))
+        self.addCleanup(process.kill)
+        process.stdin.write(("%s\n7\n%s\n" % (start, command)).encode())
+        process.stdin.flush()
+        self.assertEqual(process.stdout.readline().split(), [b"7"])
+        time.sleep(0.3)
+        process.send_signal(signal.SIGINT)
+        process.stdin.write(b"1 + 1\n")
+        process.stdin.flush()
+        self.assertEqual((command, process.stdout.readline().split()), (command, [b"2"]))
+        return process
+
+    def end(self, process):
+        self.assertEqual(process.communicate(timeout=30)[0].split(), [])
+        self.assertEqual(process.returncode, 0)
+
+    def test_waiting_for_input_can_be_interrupted(self):
+        self.end(self.interrupt("", 'fopen("pipe")'))
+        for command in ('f.readline()', 'f.getc()', 'f.read(9)', 'f.scanf("%s")'):
+            # Opened with a plus a pipe does not wait for its other end.
+            self.end(self.interrupt('f = fopen("pipe", "r+");', command))
+
+    def test_waiting_for_a_reader_can_be_interrupted(self):
+        for command in ('f.write(long)', 'fprintf(f, "%s", long)', 'f.writeline("x"); f.write(long); f.close()',
+                        'for 65536, f.write("x"); end, f.write("x"); f.flush()'):
+            reader = os.open(os.path.join(self.folder, "pipe"), os.O_RDONLY | os.O_NONBLOCK)
+            start = 'f = fopen("pipe", "w"); long = sprintf("%200000s", "x");'
+            process = self.interrupt(start, command)
+            os.close(reader)
+            self.end(process)
+
+    def test_a_pipe_without_a_reader_is_a_failed_write(self):
+        status, output = run(["-rtpath", "/a"], 'f = fopen("pipe", "r+"); g = fopen("pipe", "w");\nf.close();\n'
+                             'g.writeline("x");\ng.flush()\n1 + 1\n', cwd=self.folder)
+        self.assertEqual((status, output.split("\n")[-3:-1]),
+                         (0, ["   Error 4 \"g.flush()\": file 'pipe' writing failed", "    2           "]))
+
+    def test_the_end_of_the_program_writes_what_is_left(self):
+        run(["-rtpath", "/a"], 'f = fopen("out", "w"); f.writeline("kept"); exit', cwd=self.folder)
+        with open(os.path.join(self.folder, "out"), encoding="utf-8") as file:
+            self.assertEqual(file.read(), "kept\n")
+
+    def test_a_program_asks_for_lines(self):
+        text = 'x = readline("name?"); y = readline();\nada\n\nx + "," + y\nnobody\nreadline()'
+        self.assertEqual(run(["-rtpath", "/a"], text)[1].split("\n")[:4],
+                         ["   name?", "   ada,", '   Error  5: symbol "nobody" not defined', "   []"])
 
 
 if __name__ == "__main__":

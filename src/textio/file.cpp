@@ -71,6 +71,7 @@ static bool closeStream(FileRecord *file) {
 }
 
 void close_file(FileRecord *file, PcNode *node) {
+    awaitOutput(file);
     Matrix *name = pinMat(file->name);
     holdInterrupt();
     const bool written = closeStream(file);
@@ -123,7 +124,7 @@ void refuseRead(const FileRecord *file, PcNode *node) {
     error_file_read(node, faultOf(file, file_mode_r), nameOf(file, node));
 }
 
-static void refuseWrite(const FileRecord *file, uint8_t modes, PcNode *node) {
+[[noreturn]] static void refuseWrite(const FileRecord *file, uint8_t modes, PcNode *node) {
     error_file_write(node, faultOf(file, modes), nameOf(file, node));
 }
 

@@ -54,5 +54,7 @@ Matrix *readBytes(FileRecord *file, uint64_t n, PcNode *node);  // BY; fewer at 
 // ---- Writing, of a writable file: false if it failed.
 bool writeText(FileRecord *file, std::string_view text);
 bool writeLine(FileRecord *file, std::string_view text);
+bool flushFile(FileRecord *file);
+void awaitOutput(FileRecord *file);  // until what the stream holds can be written
 
 }  // namespace vesko

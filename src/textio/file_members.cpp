@@ -141,10 +141,7 @@ Matrix *method_writeline(MethodCall &call) {
 Matrix *method_flush(MethodCall &call) {
     FileRecord *file = fileOf(call.owner);
     if (!file->open) refuseWrite(file, call.node);
-    holdInterrupt();
-    const bool written = std::fflush(file->stream) == 0;
-    freeInterrupt();
-    if (!written) refuseWrite(file, call.node);
+    if (!flushFile(file)) refuseWrite(file, call.node);
     return theTrueMat();
 }
 

@@ -80,7 +80,7 @@ bool readSlot(std::string_view format, size_t from, PrintSlot &slot) {
     SlotReader reader(format, from + 1);
     if (!passFlags(reader)) return false;
     reader.pass("0");
-    uint32_t widest = reader.passNumber();
+    uint32_t widest = reader.nextIs("0") ? 0 : reader.passNumber();
     if (reader.pass(".")) widest = std::max(widest, reader.passNumber());
     slot.too_wide = widest > widest_slot;
     size_t kept = reader.at() - from;

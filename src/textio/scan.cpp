@@ -28,7 +28,8 @@ enum class ScanKind { Integer, Unsigned, Real, Word, Characters, Set, Percent };
 struct ScanSlot {
     ScanKind kind;
     bool assigns;
-    size_t end;  // behind it, in the format
+    uint32_t width;  // at most; 0 where it doesn't matter
+    size_t end;      // behind it, in the format
 };
 
 bool isText(ScanKind kind) {
@@ -87,31 +88,40 @@ bool passSet(SlotReader &reader) {
 
 constexpr uint32_t longest_scanned_text = 1u << 27;  // a text that is no shorter is refused
 
+// The width of a slot that names none.
+uint32_t widthOf(ScanKind kind) {
+    if (kind == ScanKind::Characters) return 1;
+    return isText(kind) ? longest_scanned_text : 0;
+}
+
+// Numbers are full-width; the library finds the room for words and sets.
+const char *lengthOf(ScanKind kind) {
+    if (kind == ScanKind::Characters) return "";
+    return isText(kind) ? "m" : "l";
+}
+
 // Reads the slot that begins at the percent sign, and adds it to the work format. False if it is none.
 bool retrieve_i_fmt(std::string_view format, size_t at, WorkFormat &work, ScanSlot &slot) {
     SlotReader reader(format, at + 1);
-    slot = {ScanKind::Percent, true, at + 2};
+    slot = {ScanKind::Percent, true, 0, at + 2};
     if (reader.pass("%")) {
         work.add("%n%%%n");
         return true;
     }
     slot.assigns = !reader.pass("*");
-    const bool has_width = reader.nextIs("0123456789");
-    const uint32_t width = std::min(reader.passNumber(), longest_scanned_text);
+    slot.width = std::min(reader.passNumber(), longest_scanned_text);
     const bool sized = reader.pass("hlL");
     const size_t conversion = reader.at();
     if (!passConversion(reader, slot.kind) || (sized && isText(slot.kind))) return false;
     if (slot.kind == ScanKind::Set && !passSet(reader)) return false;
     slot.end = reader.at();
+    if (slot.width == 0) slot.width = widthOf(slot.kind);
 
     work.add(slot.kind == ScanKind::Word ? " %n%"
                                          : "%n%");  // blanks before a word are not counted as its own
     if (!slot.assigns) work.add("*");
-    if (has_width)
-        work.addNumber(width);
-    else if (isText(slot.kind) && slot.kind != ScanKind::Characters)
-        work.addNumber(longest_scanned_text);
-    if (slot.assigns) work.add(isText(slot.kind) ? "m" : "l");
+    if (slot.width > 0) work.addNumber(slot.width);
+    if (slot.assigns) work.add(lengthOf(slot.kind));
     work.add(format.substr(conversion, slot.end - conversion));
     work.add("%n");
     return true;
@@ -164,15 +174,29 @@ void freeScannedText() {
     freeInterrupt();
 }
 
+Matrix *newScannedText(const char *text, const Extent &extent) {
+    const auto length = static_cast<uint32_t>(extent.end - extent.begin);
+    if (length >= longest_scanned_text) refuseMemory(length);
+    return newStrMatCopyN(text, length);
+}
+
 template <class Source>
 Matrix *scanText(Source &source, const char *format) {
     freeScannedText();
     Extent extent;
     if (source.scan(format, extent, &scanned_text) != 1) return nullptr;
-    const auto length = static_cast<uint32_t>(extent.end - extent.begin);
-    if (length >= longest_scanned_text) refuseMemory(length);
-    Matrix *text = newStrMatCopyN(scanned_text, length);
+    Matrix *text = newScannedText(scanned_text, extent);
     freeScannedText();
+    return text;
+}
+
+template <class Source>
+Matrix *scanCharacters(Source &source, const char *format, uint32_t width) {
+    Extent extent;
+    Matrix *room = newStrMat(width + 1);
+    const bool scanned = source.scan(format, extent, room->text()) == 1;
+    Matrix *text = scanned ? newScannedText(room->text(), extent) : nullptr;
+    releaseMat(room);
     return text;
 }
 
@@ -191,8 +215,8 @@ Matrix *newUnsigned(unsigned long n) {
 }
 
 template <class Source>
-Matrix *scanItem(Source &source, const char *format, ScanKind kind) {
-    switch (kind) {
+Matrix *scanItem(Source &source, const char *format, const ScanSlot &slot) {
+    switch (slot.kind) {
         case ScanKind::Integer: return scanNumber<long>(source, format, newInteger);
         case ScanKind::Unsigned: return scanNumber<unsigned long>(source, format, newUnsigned);
         case ScanKind::Real: return scanNumber<double>(source, format, newRealScalarMat);
@@ -201,6 +225,7 @@ Matrix *scanItem(Source &source, const char *format, ScanKind kind) {
             source.scan(format, extent);
             return extent.end >= 0 ? newStrMatCopy("%") : nullptr;
         }
+        case ScanKind::Characters: return scanCharacters(source, format, slot.width);
         default: return scanText(source, format);
     }
 }
@@ -240,7 +265,7 @@ Matrix *scanItems(Source source, const Matrix *format, PcNode *node) {
             scanNothing(source, work.text());
             continue;
         }
-        Matrix *item = scanItem(source, work.text(), slot.kind);
+        Matrix *item = scanItem(source, work.text(), slot);
         if (!item) break;
         addListEntry(items, item);
     }

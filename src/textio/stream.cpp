@@ -1,11 +1,13 @@
 // Reading and writing through the streams of files.
 //
-// The library must not be left by a jump, so an interrupt waits while it works. Waiting for input happens
-// outside it. Output that waits, for a reader of a pipe, is given up by the library when a signal comes.
+// The library must not be left by a jump, so an interrupt waits while it works. Waiting, for input or for the
+// reader of a pipe, happens outside it.
 #include <poll.h>
+#include <stdio_ext.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <cstring>
 
 #include "engine/interrupt.h"
@@ -13,6 +15,11 @@
 #include "textio/file.h"
 
 namespace vesko {
+
+static void awaitStream(std::FILE *stream, short events) {
+    pollfd wanted = {fileno_unlocked(stream), events, 0};
+    while (poll(&wanted, 1, -1) < 0 && errno == EINTR) continue;
+}
 
 // ---- Input
 
@@ -37,14 +44,9 @@ static bool fillBuffer(FileRecord *file, PcNode *node) {
     return false;
 }
 
-static void awaitReadable(std::FILE *stream) {
-    pollfd input = {fileno_unlocked(stream), POLLIN, 0};
-    while (poll(&input, 1, -1) < 0 && errno == EINTR) continue;
-}
-
 bool awaitInput(FileRecord *file, PcNode *node) {
     while (buffered(file->stream).empty()) {
-        awaitReadable(file->stream);
+        awaitStream(file->stream, POLLIN);
         if (!fillBuffer(file, node)) return false;
     }
     return true;
@@ -111,18 +113,36 @@ Matrix *readBytes(FileRecord *file, uint64_t n, PcNode *node) {
 
 // ---- Output
 
-// In pieces, so that an interrupt gets its turn.
+// A pipe that is ready takes as much as this, and so no single write of the library waits.
+constexpr size_t piece_size = PIPE_BUF;
+
+static bool writePiece(std::FILE *stream, std::string_view piece) {
+    if (__fpending(stream) + piece.size() > __fbufsize(stream)) awaitStream(stream, POLLOUT);
+    holdInterrupt();
+    const bool written = fwrite_unlocked(piece.data(), 1, piece.size(), stream) == piece.size();
+    freeInterrupt();
+    return written;
+}
+
 bool writeText(FileRecord *file, std::string_view text) {
-    constexpr size_t piece_size = size_t{1} << 20;
     while (!text.empty()) {
         const std::string_view piece = text.substr(0, piece_size);
-        holdInterrupt();
-        const bool written = fwrite_unlocked(piece.data(), 1, piece.size(), file->stream) == piece.size();
-        freeInterrupt();
-        if (!written) return false;
+        if (!writePiece(file->stream, piece)) return false;
         text.remove_prefix(piece.size());
     }
     return true;
+}
+
+bool flushFile(FileRecord *file) {
+    awaitOutput(file);
+    holdInterrupt();
+    const bool written = std::fflush(file->stream) == 0;
+    freeInterrupt();
+    return written;
+}
+
+void awaitOutput(FileRecord *file) {
+    if (__fpending(file->stream) > 0) awaitStream(file->stream, POLLOUT);
 }
 
 bool writeLine(FileRecord *file, std::string_view text) {
