@@ -113,11 +113,13 @@ void installEndings() {
     }
 }
 
-// The terminal would use Ctrl-S to stop its output. Curses puts the old state back at the end.
-void releaseCtrlS() {
+// The terminal would stop its output at Ctrl-S, and end the program at Ctrl-\. Curses puts the old state
+// back.
+void releaseKeys() {
     termios state;
     if (tcgetattr(STDIN_FILENO, &state) != 0) return;
     state.c_iflag &= ~static_cast<tcflag_t>(IXON);
+    state.c_cc[VQUIT] = _POSIX_VDISABLE;
     tcsetattr(STDIN_FILENO, TCSANOW, &state);
     def_prog_mode();
 }
@@ -134,7 +136,7 @@ bool FullScreen::open() {
     keypad(stdscr, TRUE);
     nodelay(stdscr, TRUE);
     set_escdelay(25);
-    releaseCtrlS();
+    releaseKeys();
     installEndings();
     return true;
 }
