@@ -219,6 +219,36 @@ class Interrupts(Case):
         t.wait(lambda lines: lines[-1:] == [" icanon"])
 
 
+class Drawing(Case):
+    BOX = ["┌─────┐", "│ hi  │", "└─────┘", "", " +"]
+
+    def test_a_program_draws_reads_keys_and_leaves(self):
+        s = self.screen()
+        s.type('screen_putch(0, 0, "x"), screen_init(1), screen_drawbox(1, 2, 3)', "")
+        s.wait(lambda lines: [line.strip() for line in lines[-4:]] == ["-2", "-1", "-1", ">>"])
+        s.type("screen_init();", "screen_size()", "")  # a program that ends without leaving does not blind the prompt
+        s.wait(lambda lines: [line.strip() for line in lines[-2:]] == ["-2", ">>"])
+        s.type("if screen_init() == 0", 'screen_drawbox(0, 0, 2, 6); screen_drawtext(1, 2, "hi");',
+               'screen_paint([4, 4], [1, 80], "+"); screen_refresh();', 'while screen_getch() != "left"', "sleep(0.01);",
+               "end", "screen_end();", "end", "")
+        s.shows(*self.BOX)
+        s.keys("Up", "x", "Left")
+        s.ends_with("   end", ">>")
+
+    def test_an_error_and_ctrl_c_bring_the_worksheet_back(self):
+        s = self.screen()
+        box = 'screen_init(); screen_drawbox(0, 0, 2, 6); screen_drawtext(1, 2, "hi"); screen_putch(4, 1, 43);'
+        s.type("if true", box, "screen_refresh();", 'while screen_getch() == ""', "sleep(0.01);", "end",
+               "v = [1, 2];", "v[3]", "end", "")
+        s.shows(*self.BOX)
+        s.type("x")
+        s.wait(lambda lines: lines[-1] == ">>" and "Error" in lines[-2])
+        s.type("while true", box, "screen_refresh();", "end", "")
+        s.shows(*self.BOX)
+        s.keys("C-c")
+        s.ends_with("   end", ">>")
+
+
 class Colours(Case):
     RED, GREEN, BLUE, MAGENTA, CYAN, WHITE = 31, 32, 34, 35, 36, 37
 

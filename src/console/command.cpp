@@ -6,6 +6,7 @@
 #include <ctime>
 
 #include "builtins/bfunc.h"
+#include "console/canvas.h"
 #include "console/editor.h"
 #include "console/history.h"
 #include "console/message.h"
@@ -82,6 +83,7 @@ void service() {
         resetInterruptHold();
         resetExceptions();
         endInput();
+        closeCanvas();
         cleanUp();
         freshScr();
     }

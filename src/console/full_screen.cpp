@@ -51,7 +51,9 @@ void FullScreen::redraw() {
     if (nowInMs() - vscr.lastdraw >= lazy_ms) draw();
 }
 
+// In screen mode a program draws in its place.
 void FullScreen::draw() {
+    if (cwmode_nodisplay()) return;
     holdInterrupt();
     placeWindow();
     drawWorksheet();

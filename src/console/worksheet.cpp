@@ -3,6 +3,7 @@
 
 #include <cstring>
 
+#include "console/canvas.h"
 #include "console/command.h"
 #include "console/editor.h"
 #include "console/terminal.h"
@@ -247,6 +248,7 @@ void rereadCommand() {
 
 // In worksheet mode the cursor may stand on any line of the list.
 bool grabLine() {
+    closeCanvas();
     const bool away = !vscr.cmdlast || vscr.current != vscr.cmdlast;
     if (away && getcwmode() != worksheet_mode) initVideoBuf();
     return terminal->editLine();
@@ -256,6 +258,7 @@ bool getLine(const char *prompt, uint32_t &start, uint32_t &end) {
     addlnbrk(false, LineKind::Input, false);
     printStr("   ", prompt_width, false);
     printStr(prompt, static_cast<uint32_t>(std::strlen(prompt)), false);
+    closeCanvas();
     start = vscr.current->length;
     beginInput(start);
     const bool got = terminal->editLine();
