@@ -103,14 +103,13 @@ Bfunc *reset(const PatternFamily &family, Bfunc *bf, Matrix *value, uint32_t fie
     if (value->l2type != L2::TX) return nullptr;
     const uint32_t place = findBfParm(bf, field);
     if (place >= family.ntexts) return family.takes_unknown_parms ? bf : nullptr;
-    Matrix *pattern = bf->parmValues->matAt(pattern_place), *options = bf->parmValues->matAt(family.options);
-    if (place == pattern_place) pattern = value;
-    if (place == family.options) options = value;
-    Matrix *compiled = compileWith(pattern, options);
+    Matrix **values = bf->parms(), *compiled = values[family.ntexts];
+    if (place == pattern_place) compiled = compileWith(value, values[family.options]);
+    if (place == family.options) compiled = compileWith(values[pattern_place], value);
     holdInterrupt();
     updateMatVecEntry(bf->parmValues, place, value);
     updateMatVecEntry(bf->parmValues, family.ntexts, compiled);
-    followOptions(family, bf);
+    if (place == family.options) followOptions(family, bf);
     freeInterrupt();
     return bf;
 }
