@@ -39,6 +39,18 @@ def statements():
     }
 
 
+def patterns():
+    """Substitution, all matches and splitting of a text of 1.2 MB."""
+    text = '20000 * "the quick brown fox jumps over the lazy dog 12345 <a@b.com>\\n"'
+    return {
+        "vesko": "s = " + text + ";\nr = ~s/(\\w+) (\\w+)/\\2 \\1/g(s);\nm = ~/(\\w+)@(\\w+)\\.com/g(r);\n"
+                 "p = split(r, ~/\\s+/);\nr.length + m.nrows + p.length\n",
+        "python": "import re\ns = " + text + "\nr = re.sub(r'(\\w+) (\\w+)', r'\\2 \\1', s)\n"
+                  "m = [x.regs for x in re.finditer(r'(\\w+)@(\\w+)\\.com', r)]\n"
+                  "p = re.split(r'\\s+', r)\nprint(len(r) + len(m) + len(p))\n",
+    }
+
+
 def product(n, times):
     """The product of two n by n matrices."""
     return {
@@ -372,6 +384,7 @@ for i = 1, 200 do
 end
 r = s
 """),
+    "patterns": patterns(),
     "vecexpr": {
         "vesko": """
 x = [1:999999, 1000000];

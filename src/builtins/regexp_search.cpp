@@ -21,7 +21,7 @@ struct CompiledPattern {
     pcre_extra *extra;
     uint32_t groups;
     size_t searched;  // bytes of text so far, until the pattern is made machine code
-    bool is_machine_code;
+    bool machine_code_tried;
 };
 
 namespace {
@@ -82,7 +82,7 @@ CompiledPattern *compile(const char *text, int options) {
 // Where the machine has none, or refuses it, the pattern stays as it is.
 void makeMachineCode(CompiledPattern *p) {
     holdInterrupt();
-    p->is_machine_code = true;
+    p->machine_code_tried = true;
     pcre_extra *const interpreted = p->extra;
     study(p, PCRE_STUDY_JIT_COMPILE, max_machine_code_steps);
     if (p->extra && p->extra->executable_jit) {
@@ -124,7 +124,7 @@ Search::Search(const Matrix *compiled, std::string_view text)
     : pattern(static_cast<CompiledPattern *>(compiled->vdata)) {
     assert(isCompiled(compiled));
     pattern->searched += text.size();
-    if (!pattern->is_machine_code && pattern->searched >= machine_code_pays) makeMachineCode(pattern);
+    if (!pattern->machine_code_tried && pattern->searched >= machine_code_pays) makeMachineCode(pattern);
     offsets = newIntMat(1, 3 * (pattern->groups + 1));  // the last third is for the library
 }
 
