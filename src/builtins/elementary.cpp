@@ -34,13 +34,18 @@ static bool anyBeyond(const Fn &f, const double *x, uint32_t n) {
 }
 
 template <class Fn>
-static Matrix *wideScalar(const Fn &f, double x) {
-    double re, im;
-    if constexpr (requires { f.lone(x, re, im); })
-        f.lone(x, re, im);
-    else
-        f.wide(x, re, im);
-    return newCompScalarMat(re, im);
+static Matrix *ofReal(const Fn &f, double x) {
+    if constexpr (leaves_reals<Fn>) {
+        if (f.beyond(x)) {
+            double re, im;
+            if constexpr (requires { f.lone(x, re, im); })
+                f.lone(x, re, im);
+            else
+                f.wide(x, re, im);
+            return newCompScalarMat(re, im);
+        }
+    }
+    return newRealScalarMat(f.real(x));
 }
 
 template <class Fn>
@@ -53,13 +58,9 @@ static Matrix *wideAnswers(const Fn &f, const Matrix *x) {
 
 template <class Fn>
 static Matrix *ofReals(const Fn &f, const Matrix *x) {
-    if constexpr (leaves_reals<Fn>) {
-        if (x->length == 1) {
-            if (f.beyond(*x->rdata)) return wideScalar(f, *x->rdata);
-        } else if (anyBeyond(f, x->rdata, x->length)) {
-            return wideAnswers(f, x);
-        }
-    }
+    if (x->length == 1) return ofReal(f, *x->rdata);
+    if constexpr (leaves_reals<Fn>)
+        if (anyBeyond(f, x->rdata, x->length)) return wideAnswers(f, x);
     Matrix *y = allocRealMat(x->length, x->nrows, x->ncols);
     fillElements(y->rdata, x->length, true, [&f, from = x->rdata](uint32_t i) { return f.real(from[i]); });
     return y;

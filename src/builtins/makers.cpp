@@ -16,19 +16,23 @@ namespace vesko {
 
 // ---- Matrices of one value
 
-static Matrix *filledMultidim(Matrix *dims, bool complex, double x, PcNode *node) {
-    uint32_t n;
-    Vector *extents = extract_dim_vec(dims, n, node);
-    Matrix *m = complex ? newCMDM_Mat(n, extents) : newRMDM_Mat(n, extents);
-    std::fill_n(m->rdata, n, x);
-    if (complex) std::fill_n(m->rdata + n, n, 0.0);
+static Matrix *filledReals(Matrix *m, double x) {
+    std::fill_n(m->rdata, m->length, x);
     return m;
 }
 
-static Matrix *filledReal(uint32_t rows, uint32_t cols, double x) {
-    if (x == 0) return newZerosMat(rows, cols);
-    Matrix *m = allocRealMat(checkedLength(rows, cols), rows, cols);
-    std::fill_n(m->rdata, m->length, x);
+static Matrix *filledComplexMultidim(Matrix *dims, double x, PcNode *node) {
+    uint32_t n;
+    Vector *extents = extract_dim_vec(dims, n, node);
+    Matrix *m = filledReals(newCMDM_Mat(n, extents), x);
+    std::fill_n(m->rdata + n, n, 0.0);
+    return m;
+}
+
+static Matrix *filledComplex(uint32_t rows, uint32_t cols, double x) {
+    Matrix *m = allocCompMat(checkedLength(rows, cols), rows, cols);
+    filledReals(m->re(), x);
+    filledReals(m->im(), 0);
     return m;
 }
 
@@ -50,13 +54,12 @@ static Matrix *filled(Matrix *args, int x, PcNode *node, const char *builtin) {
     const bool flat = extractMatDims(args, rows, cols, true, node, kind);
     if (kind == 'L') error_kind_not_built(node, L2::BIGINT);
     if (kind == 'M') error_kind_not_built(node, L2::MPF);
-    if (!flat && (kind == 'D' || kind == 'C')) return filledMultidim(args, kind == 'C', x, node);
+    if (kind == 'D') return filledReals(allocateNumericalMat(args, node), x);
+    if (kind == 'C') return flat ? filledComplex(rows, cols, x) : filledComplexMultidim(args, x, node);
     if (!flat) refuseArgument(node, builtin);
     switch (kind) {
-        case 'D': return filledReal(rows, cols, x);
         case 'Z': return filledInts(rows, cols, x);
         case 'B': return filledBytes(newByteMat(rows, cols), static_cast<uint8_t>(x));
-        case 'C': return newCompMat(filledReal(rows, cols, x), filledReal(rows, cols, 0));
         default: refuseArgument(node, builtin);
     }
 }
