@@ -1,16 +1,16 @@
 // Built-ins that run source files: the file goes on top of the source stack, and its commands are the next
 // ones.
+#include "builtins/arguments.h"
 #include "builtins/workers.h"
 #include "console/command.h"
 #include "console/message.h"
-#include "engine/errors.h"
 #include "frontend/source.h"
 
 namespace vesko {
 
 // A file that is not found is a message, not an error.
 static Matrix *pushSource(const char *builtin, Matrix *name, PcNode *node) {
-    if (name->l2type != L2::TX) error_bf_arg_domain(node, "character string", builtin);
+    if (name->l2type != L2::TX) refuseArgument(node, builtin);
     if (std::FILE *file = openXFile(name->text()))
         updateCurrentFile(name, file);
     else
