@@ -385,6 +385,47 @@ end
 r = s
 """),
     "patterns": patterns(),
+    "sortby": {
+        "vesko": """
+l = (0, ~);
+x = 12345;
+for i = 1:100000
+    x = (x * 1103515245 + 12345) % 2147483648;
+    l#i = x;
+end
+by = sort["<", (a, b) -> a - b];
+for 5
+    s = by(l);
+end
+s#1
+""",
+        "lua": """
+local l = {}
+local x = 12345.0
+for i = 1, 100000 do
+    x = math.fmod(x * 1103515245 + 12345, 2147483648)
+    l[i] = x
+end
+local s
+for k = 1, 5 do
+    s = table.move(l, 1, #l, 1, {})
+    table.sort(s, function(a, b) return a < b end)
+end
+print(s[1])
+""",
+        "python": """
+from functools import cmp_to_key
+from math import fmod
+l = []
+x = 12345.0
+for i in range(100000):
+    x = fmod(x * 1103515245 + 12345, 2147483648)
+    l.append(x)
+for k in range(5):
+    s = sorted(l, key=cmp_to_key(lambda a, b: a - b))
+print(s[0])
+""",
+    },
     "vecexpr": {
         "vesko": """
 x = [1:999999, 1000000];

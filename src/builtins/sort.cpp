@@ -122,8 +122,7 @@ void sortEntries(Matrix *list, const Sorting &s) {
 }
 
 Matrix *sortList(Matrix *list, const Sorting &s) {
-    pinMat(list->nlinks() ? cloneMatrix(list) : list);
-    Matrix *copy = pinned[npinned - 1];
+    Matrix *copy = pinMat(list->nlinks() ? cloneMatrix(list) : list);
     sortEntries(copy, s);
     return unpinMat();
 }
