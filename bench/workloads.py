@@ -424,6 +424,53 @@ for i in range(100000):
 for k in range(5):
     s = sorted(l, key=cmp_to_key(lambda a, b: a - b))
 print(s[0])
+    "transfers": {
+        "vesko": """
+a = automaton [other]
+    for i = 1:1000000
+        this.put(i + 1);
+        yield other
+        r = this.get();
+    end
+    r
+end;
+b = automaton [other]
+    s = 0;
+    while 1
+        s = s + this.get();
+        this.put(s);
+        yield other
+    end
+end;
+a <-> b;
+a.other = b;
+b.other = a;
+a.run();
+""",
+        "python": """
+def consumer():
+    s = 0
+    while True:
+        s = s + (yield s)
+b = consumer()
+next(b)
+for i in range(1, 1000001):
+    r = b.send(i + 1)
+print(r)
+""",
+        "lua": """
+local b = coroutine.wrap(function(x)
+    local s = 0
+    while true do
+        s = s + x
+        x = coroutine.yield(s)
+    end
+end)
+local r
+for i = 1, 1000000 do
+    r = b(i + 1)
+end
+print(r)
 """,
     },
     "vecexpr": {

@@ -35,7 +35,7 @@ void auditXport(const Xport *port) {
         if (auditFirst(q)) auditQueue(q);
 }
 
-Xport *portAt(const Xproc *proc, uint32_t k) {
+Xport *growPorts(const Xproc *proc, uint32_t k) {
     while (proc->ports->size < k) {
         reserveElement(proc->ports);
         holdInterrupt();
@@ -53,26 +53,32 @@ uint32_t portNumber(Matrix *value, PcNode *node) {
 
 // ---- From within: children are `this` and the arguments, of which the last may be the port.
 
-static uint32_t evalPortNumber(const PcNode *args, uint32_t nth) {
-    if (args->ncub <= nth) return 1;
+static Xport *evalPort(const Xproc *proc, const PcNode *args, uint32_t nth) {
     Matrix *value = args->eval(nth);
     const uint32_t k = portNumber(value, args->child(nth));
     releaseMat(value);
-    return k;
+    return portAt(proc, k);
 }
 
 Matrix *procRecv(PcNode *node) {
     const Xproc *proc = top->proc;
     if (!proc) error_undef_opr(node, nullptr, node->kind);
-    return queOutput(portAt(proc, evalPortNumber(node->child(1), 0))->in);
+    const PcNode *args = node->child(1);
+    return queOutput((args->ncub ? evalPort(proc, args, 0) : portAt(proc, 1))->in);
 }
 
 Matrix *procSend(PcNode *node) {
     const Xproc *proc = top->proc;
     if (!proc) error_undef_opr(node, nullptr, node->kind);
-    Matrix *value = pinMat(node->child(1)->eval(0));
-    queInput(portAt(proc, evalPortNumber(node->child(1), 1))->out, value);
-    unpinMat();
+    const PcNode *args = node->child(1);
+    Matrix *value = args->eval(0);
+    if (args->ncub == 1) {
+        queInput(portAt(proc, 1)->out, value);
+    } else {
+        pinMat(value);
+        queInput(evalPort(proc, args, 1)->out, value);
+        unpinMat();
+    }
     return theEmptyMat();
 }
 

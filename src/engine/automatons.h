@@ -41,7 +41,11 @@ void freeDroppedAutomatons();               // those that lost their last holder
 Xport *newXport();
 void freeXport(void *port);
 void auditXport(const Xport *port);
-Xport *portAt(const Xproc *proc, uint32_t k);      // missing ones up to the k-th are made
+Xport *growPorts(const Xproc *proc, uint32_t k);
+// Missing ones up to the k-th are made.
+inline Xport *portAt(const Xproc *proc, uint32_t k) {
+    return k <= proc->ports->size ? proc->ports->at<Xport>(k - 1) : growPorts(proc, k);
+}
 uint32_t portNumber(Matrix *value, PcNode *node);  // or the error of the index node
 
 }  // namespace vesko
