@@ -424,6 +424,8 @@ for i in range(100000):
 for k in range(5):
     s = sorted(l, key=cmp_to_key(lambda a, b: a - b))
 print(s[0])
+""",
+    },
     "transfers": {
         "vesko": """
 a = automaton [other]
