@@ -31,7 +31,7 @@ char get_mat_val_domain_type(const Matrix *bf);
 bool extractMatDims(Matrix *dims, uint32_t &rows, uint32_t &columns, bool allow_vector, PcNode *node,
                     char &domain_code);
 Vector *extract_dim_vec(Matrix *dims, uint32_t &length, PcNode *node);  // the extents, and their product
-Matrix *allocateNumericalMat(Matrix *dims,
-                             PcNode *node);  // a real matrix of two or more dimensions, undefined
+// A real matrix of two or more dimensions, its elements undefined.
+Matrix *allocateNumericalMat(Matrix *dims, PcNode *node);
 
 }  // namespace vesko
