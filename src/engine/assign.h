@@ -39,7 +39,8 @@ struct Target {
 bool isTarget(const PcNode *node);  // an expression that names a place
 Target openTarget(PcNode *lvalue);
 // The target's value as it stands, borrowed: that of an entry that is not there yet is the table's default.
-Matrix *peekTarget(Target &target);
+// `judged` tells whether a domain on the path will be asked; target.slot is for comparing only.
+Matrix *peekTarget(Target &target, bool &judged);
 Matrix *uniquelize(Target &target);  // returns the target's value
 // Asks the domains on the path again; a refused change is undone, and ends with error_asgn_justify. Takes off
 // all pins since openTarget. Returns the result, borrowed.

@@ -271,10 +271,12 @@ Matrix **PathWalk::parentField(PcNode *lvalue) {
 
 }  // namespace
 
-Matrix *peekTarget(Target &target) {
+Matrix *peekTarget(Target &target, bool &judged) {
     const uint32_t n = pinCount();
     PathWalk walk{target, false};
-    Matrix *value = *walk.slotOf(target.lvalue);
+    target.slot = walk.slotOf(target.lvalue);
+    Matrix *value = *target.slot;
+    judged = walk.needjust;
     if (target.hash) value = getDfltHashVal(target.hash->table());
     releasePins(n);
     target.hash = nullptr;

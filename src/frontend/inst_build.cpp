@@ -269,8 +269,10 @@ void build(InstNode *inst, PcNode *node, Targets to) {
 
 // ---- One simple instruction
 
+constexpr int32_t ans_index = 0;
+
 PcNode *wrap(NodeKind kind, PcNode *root) {
-    PcNode *node = newPcNode(kind, 0, 1, root->line);
+    PcNode *node = newPcNode(kind, ans_index, 1, root->line);
     setPcCub(node, 0, root);
     return node;
 }
@@ -281,12 +283,17 @@ void dropStepOutput(PcNode *root) {
     if (root->exec == doMatRefPreDecOutput) root->exec = doMatRefPreDecNoOutput;
 }
 
+bool isMemberCall(const PcNode *node) {
+    return node->kind >= NodeKind::MemberCall0 && node->kind <= NodeKind::MemberCall7;
+}
+
 // What becomes of the value: assignments and leaves show it, expressions store it in `ans` at top level.
 PcNode *makeShowNode(PcNode *root, bool quiet) {
     bool in_function = progstkdepth > 0;
     if (root->kind > NodeKind::ListJoin) return root;
     dropStepOutput(root);
     if (root->kind < NodeKind::Link) return quiet ? root : wrap(NodeKind::ShowValue, root);
+    if (!in_function && isMemberCall(root)) root->value = ans_index;
     if (in_function) return wrap(quiet ? NodeKind::ThrowValue : NodeKind::ThrowShow, root);
     return wrap(quiet ? NodeKind::SetAns : NodeKind::SetAnsShow, root);
 }

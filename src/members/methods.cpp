@@ -2,6 +2,7 @@
 #include "members/methods.h"
 
 #include "engine/errors.h"
+#include "engine/frame.h"
 #include "engine/pins.h"
 #include "frontend/symbols.h"
 #include "numerics/dense.h"
@@ -89,11 +90,22 @@ MethodCall::MethodCall(PcNode *node, Matrix *owner, bool changes, bool evaluated
         pinMat(owner);
     }
     if (evaluated) args = pinMat(nargs ? evalArgVec(node->child(1)) : theEmptyMat());
-    if (on_target) this->owner = peekTarget(target);
+    if (on_target) this->owner = peekTarget(target, judged);
+}
+
+// The statement of this call is about to give `ans` its result, as a rule the owner. So an `ans` that still
+// holds the owner from the statement before need not make it a shared one: in a loop of such statements each
+// would copy it.
+void MethodCall::leaveAns() {
+    if (node->value == no_value || judged || owner->nlinks() != 2) return;
+    Variable *ans = getVar(static_cast<uint32_t>(node->value));
+    if (ans->value == owner && target.slot != &ans->value && !ans->domain)
+        replaceMat(ans->value, theEmptyMat());
 }
 
 Matrix *MethodCall::change() {
     if (on_target) {
+        leaveAns();
         owner = uniquelize(target);
         if (target.hash) replace(cloneMatrix(getDfltHashVal(target.hash->table())));
     } else if (owner->nlinks() > 1) {

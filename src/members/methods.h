@@ -34,7 +34,10 @@ public:
 
 private:
     Target target;
+    void leaveAns();
+
     bool on_target, changed = false;
+    bool judged = false;  // a domain on the way to the owner will be asked
     uint32_t first_pin;
     uint32_t owner_pin;  // of an owner that is on no target
 };

@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <type_traits>
 
 namespace vesko {
 
@@ -63,9 +64,41 @@ uint32_t eachElement(const L &line, bool skipnan, F f) {
     return n;
 }
 
+// ---- Sums
+
+// In halves down to short runs of eight sums side by side: fast, and nearly free of rounding errors. Runs
+// below eight are summed in order.
+inline double dasum(const double *x, size_t n) {
+    constexpr size_t lanes = 8, short_run = 128;
+    if (n > short_run) {
+        const size_t half = n / 2 / lanes * lanes;
+        return dasum(x, half) + dasum(x + half, n - half);
+    }
+    double lane[lanes] = {}, rest = 0;
+    size_t i = 0;
+    for (; i + lanes <= n; i += lanes)
+        for (size_t k = 0; k < lanes; k++) lane[k] += x[i + k];
+    for (; i < n; i++) rest += x[i];
+    for (size_t step = lanes / 2; step > 0; step /= 2)
+        for (size_t k = 0; k < step; k++) lane[k] += lane[k + step];
+    return lane[0] + rest;
+}
+
+// The sum of a line as a double, and the number of elements in it.
+template <class L>
+double sumOf(const L &line, bool skipnan, uint32_t &n) {
+    if constexpr (std::is_same_v<decltype(line.source), Dense<double>>) {
+        n = line.n;
+        if (!skipnan && line.stride == 1) return dasum(line.source.x + line.start, n);
+    }
+    double s = 0;
+    n = eachElement(line, skipnan, [&s](auto x) { s += x; });
+    return s;
+}
+
 // ---- The reductions. Each writes `width` results of type Result<T> for a line of elements T.
 
-// Reals in order of the elements; integers wrap, bytes add up as integers.
+// Integers wrap, bytes add up as integers.
 struct Sum {
     template <class T>
     struct Of {
@@ -77,9 +110,8 @@ struct Sum {
 
     template <class L>
     static void apply(const L &line, bool skipnan, double *sum) {
-        double s = 0;
-        eachElement(line, skipnan, [&s](auto x) { s += x; });
-        *sum = s;
+        uint32_t n;
+        *sum = sumOf(line, skipnan, n);
     }
     template <class L>
     static void apply(const L &line, bool, int32_t *sum) {
@@ -95,8 +127,7 @@ struct Sum::Of<double> {
 
 template <class L>
 double meanOf(const L &line, bool skipnan, uint32_t &n) {
-    double s = 0;
-    n = eachElement(line, skipnan, [&s](auto x) { s += x; });
+    const double s = sumOf(line, skipnan, n);
     return s / n;
 }
 
