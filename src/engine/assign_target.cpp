@@ -58,7 +58,9 @@ bool isTarget(const PcNode *node) {
         case NodeKind::ListEntry:
         case NodeKind::HashEntry:
         case NodeKind::DfltHashEntry:
-        case NodeKind::Field: return isTarget(node->child(0));
+        case NodeKind::Field:
+        case NodeKind::ForcedField:
+        case NodeKind::ForcedType: return isTarget(node->child(0));
         case NodeKind::ParField: return true;
         default: return false;
     }

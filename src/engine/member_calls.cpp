@@ -139,6 +139,9 @@ Matrix *callOnTarget(Matrix *member, PcNode *place, PcNode *node, MemberCall cal
     return passResult(result);
 }
 
+// Methods have no names for their arguments.
+Matrix *refuseNamedMethod(Matrix *, PcNode *node) { error_dne(node, fieldNameOf(node->child(0))); }
+
 // Children: the field node, whose child is the owner, and the arguments. The parameters of a function that
 // belongs to no value of its own run with the function as parent.
 Matrix *doMemberCall(PcNode *node, MemberCall call, Matrix *(*method)(Matrix *, PcNode *) = callMethod) {
@@ -171,6 +174,6 @@ Matrix *doMBFcall_1(PcNode *node) { return doMemberCall(node, callMember<&FuncRe
 Matrix *doMBFcall_2(PcNode *node) { return doMemberCall(node, callMember<&FuncRecData::call2>); }
 Matrix *doMBFcall_3(PcNode *node) { return doMemberCall(node, callMember<&FuncRecData::call3>); }
 Matrix *doMBFcall_7(PcNode *node) { return doMemberCall(node, callMember<&FuncRecData::call7>); }
-Matrix *doMBFcall_Np(PcNode *node) { return doMemberCall(node, callMemberNamed, callMethodNamed); }
+Matrix *doMBFcall_Np(PcNode *node) { return doMemberCall(node, callMemberNamed, refuseNamedMethod); }
 
 }  // namespace vesko

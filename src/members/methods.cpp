@@ -19,7 +19,7 @@ struct Method {
     KindSet owners;
     uint32_t least, most;
     MethodFn worker;
-    bool changes = true, evaluated = true;
+    bool changes = true;
 };
 
 constexpr Method methods[] = {
@@ -47,9 +47,8 @@ struct MethodTable {
             for (uint8_t &row : fields) row = no_method;
         for (unsigned k = 0; k < n_methods; k++) enter(methods[k], k);
     }
-    // What throws here does not compile.
+    // Two rows for one kind and field do not compile.
     constexpr void enter(const Method &method, unsigned k) {
-        if (method.changes && !method.evaluated) throw "a change comes behind the arguments";
         for (unsigned kind = 0; kind < n_kinds; kind++) {
             if (!method.owners.has(static_cast<L2>(kind))) continue;
             uint8_t &row = rows[kind][method.field - first_method_field];
@@ -78,8 +77,8 @@ const Method &demandMethod(const Matrix *owner, PcNode *node, uint32_t nargs) {
 // ---- One call
 
 // On a target, the owner is read again behind the arguments, which may have given the place another value.
-MethodCall::MethodCall(PcNode *node, Matrix *owner, bool changes, bool evaluated)
-    : node(node), owner(owner), args(nullptr), nargs(node->child(1)->ncub), first_pin(pinCount()) {
+MethodCall::MethodCall(PcNode *node, Matrix *owner, bool changes)
+    : node(node), owner(owner), args(theEmptyMat()), nargs(node->child(1)->ncub), first_pin(pinCount()) {
     PcNode *place = node->child(0)->child(0);
     on_target = changes && isTarget(place);
     if (on_target) {
@@ -89,7 +88,7 @@ MethodCall::MethodCall(PcNode *node, Matrix *owner, bool changes, bool evaluated
         owner_pin = pinCount();
         pinMat(owner);
     }
-    if (evaluated) args = pinMat(nargs ? evalArgVec(node->child(1)) : theEmptyMat());
+    if (nargs) args = pinMat(evalArgVec(node->child(1)));
     if (on_target) this->owner = peekTarget(target, judged);
 }
 
@@ -132,14 +131,8 @@ Matrix *MethodCall::close(Matrix *result) {
 Matrix *callMethod(Matrix *owner, PcNode *node) {
     const uint32_t nargs = node->child(1)->ncub;
     const Method &method = demandMethod(owner, node, nargs);
-    MethodCall call(node, owner, method.changes, method.evaluated);
+    MethodCall call(node, owner, method.changes);
     return call.close(demandMethod(call.owner, node, nargs).worker(call));
-}
-
-Matrix *callMethodNamed(Matrix *owner, PcNode *node) {
-    const Method &method = demandMethod(owner, node, node->child(1)->ncub);
-    if (method.evaluated) error_dne(node, getFieldName(static_cast<uint32_t>(node->child(0)->value)));
-    return callMethod(owner, node);
 }
 
 }  // namespace vesko

@@ -17,11 +17,11 @@ class MethodCall {
 public:
     PcNode *const node;  // of the call: for errors
     Matrix *owner;       // the private copy once change() was called
-    Matrix *args;        // LS of the arguments; null if the row takes them unevaluated (node->child(1))
+    Matrix *args;        // their LS, or the empty value
     uint32_t nargs;
 
     // `changes`: the worker may change its owner, which is looked up as a target then.
-    MethodCall(PcNode *node, Matrix *owner, bool changes, bool evaluated);
+    MethodCall(PcNode *node, Matrix *owner, bool changes);
     Matrix *arg(uint32_t k) const { return args->entries()[k]; }
 
     // The owner without other holders, as a plain matrix of its kind where it had structure. A temporary
@@ -47,7 +47,6 @@ using MethodFn = Matrix *(*)(MethodCall &call);
 
 // The member call `node` of an owner that is no object and no function; the owner is as evaluated, borrowed.
 Matrix *callMethod(Matrix *owner, PcNode *node);
-Matrix *callMethodNamed(Matrix *owner, PcNode *node);  // x.f{a = 1}
 
 #define METHOD(field, owners, least, most, worker, ...) Matrix *worker(MethodCall &call);
 #include "members/methods.def"
