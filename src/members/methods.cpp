@@ -19,7 +19,7 @@ struct Method {
     KindSet owners;
     uint32_t least, most;
     MethodFn worker;
-    bool changes = true;
+    bool changes = true, evaluated = true;
 };
 
 constexpr Method methods[] = {
@@ -47,8 +47,9 @@ struct MethodTable {
             for (uint8_t &row : fields) row = no_method;
         for (unsigned k = 0; k < n_methods; k++) enter(methods[k], k);
     }
-    // Two rows for one kind and field do not compile.
+    // What throws here does not compile.
     constexpr void enter(const Method &method, unsigned k) {
+        if (method.changes && !method.evaluated) throw "a change comes behind the arguments";
         for (unsigned kind = 0; kind < n_kinds; kind++) {
             if (!method.owners.has(static_cast<L2>(kind))) continue;
             uint8_t &row = rows[kind][method.field - first_method_field];
@@ -77,7 +78,7 @@ const Method &demandMethod(const Matrix *owner, PcNode *node, uint32_t nargs) {
 // ---- One call
 
 // On a target, the owner is read again behind the arguments, which may have given the place another value.
-MethodCall::MethodCall(PcNode *node, Matrix *owner, bool changes)
+MethodCall::MethodCall(PcNode *node, Matrix *owner, bool changes, bool evaluated)
     : node(node), owner(owner), args(theEmptyMat()), nargs(node->child(1)->ncub), first_pin(pinCount()) {
     PcNode *place = node->child(0)->child(0);
     on_target = changes && isTarget(place);
@@ -88,7 +89,7 @@ MethodCall::MethodCall(PcNode *node, Matrix *owner, bool changes)
         owner_pin = pinCount();
         pinMat(owner);
     }
-    if (nargs) args = pinMat(evalArgVec(node->child(1)));
+    if (evaluated && nargs) args = pinMat(evalArgVec(node->child(1)));
     if (on_target) this->owner = peekTarget(target, judged);
 }
 
@@ -131,7 +132,7 @@ Matrix *MethodCall::close(Matrix *result) {
 Matrix *callMethod(Matrix *owner, PcNode *node) {
     const uint32_t nargs = node->child(1)->ncub;
     const Method &method = demandMethod(owner, node, nargs);
-    MethodCall call(node, owner, method.changes);
+    MethodCall call(node, owner, method.changes, method.evaluated);
     return call.close(demandMethod(call.owner, node, nargs).worker(call));
 }
 

@@ -17,11 +17,11 @@ class MethodCall {
 public:
     PcNode *const node;  // of the call: for errors
     Matrix *owner;       // the private copy once change() was called
-    Matrix *args;        // their LS, or the empty value
+    Matrix *args;        // LS of the arguments; empty if the row takes them unevaluated (node->child(1))
     uint32_t nargs;
 
     // `changes`: the worker may change its owner, which is looked up as a target then.
-    MethodCall(PcNode *node, Matrix *owner, bool changes);
+    MethodCall(PcNode *node, Matrix *owner, bool changes, bool evaluated);
     Matrix *arg(uint32_t k) const { return args->entries()[k]; }
 
     // The owner without other holders, as a plain matrix of its kind where it had structure. A temporary

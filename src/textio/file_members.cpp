@@ -177,7 +177,6 @@ static bool readBase(const Matrix *m, int &base) {
 
 // The arguments come as they are written: the base is evaluated and judged first.
 Matrix *method_seek(MethodCall &call) {
-    if (call.node->kind == NodeKind::MemberCallNp) error_dne(call.node, "seek");
     FileRecord *file = openFileOf(call.owner, call.node);
     const PcNode *args = call.node->child(1);
     Matrix *text = args->eval(1);
