@@ -39,9 +39,9 @@ Matrix *buildConditional(PcNode *node) {
 // ---- The test
 
 bool validate_membership(Matrix *object, Matrix *cond, PcNode *node) {
-    const Matrix *test = entryOf(cond, cond_validate);
+    Matrix *test = entryOf(cond, cond_validate);
     if (test->l2type == L2::NUL) return true;
-    Matrix *result = callMbUfByMat(test->func(), cond, object, node);
+    Matrix *result = callMemberFunc(test, cond, object, node);
     const bool qualifies = getMatLogVal(result);
     releaseMat(result);
     return qualifies;
