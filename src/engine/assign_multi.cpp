@@ -81,11 +81,11 @@ void storeInObject(PcNode *targets, Matrix *values, PcNode *node) {
     if (object->l2type != L2::OBJ) error_multi_asgn(node, static_cast<int32_t>(index(object->l2type)));
     pinMat(values = listOfComponents(values));
     const uint32_t first_store = openStoreCount();
-    if (objectOf(object)->type()->validate == not_found)
+    if (objectOf(object)->type->validate == not_found)
         storeFields(targets, object, values, node);
     else
         storeValidFields(targets, object, values, node);
-    while (openStoreCount() > first_store) releaseMat(closeStore());
+    while (openStoreCount() > first_store) closeStore(true);
     closeTarget(target, theNullMat(), node);
 }
 

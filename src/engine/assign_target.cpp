@@ -95,7 +95,8 @@ struct PathWalk {
     Target &target;
     bool for_store;
     uint32_t next_pin = target.first_pin;
-    bool needjust = false;  // a domain on the path must accept the new state
+    bool needjust = false;     // a domain on the path must accept the new state
+    Matrix *holder = nullptr;  // what the slot is a part of; null for a variable
 
     Matrix *nextValue() { return pinned[next_pin++]; }
     void mindDomain(const Matrix *domain) { needjust |= !isFree(domain); }
@@ -143,6 +144,7 @@ Matrix **PathWalk::slotOf(PcNode *lvalue) {
 Matrix **PathWalk::container(PcNode *lvalue) {
     Matrix **slot = slotOf(lvalue);
     if (for_store && lvalue->kind != NodeKind::Parent) unshare(*slot);
+    holder = *slot;
     return slot;
 }
 
@@ -289,7 +291,10 @@ Matrix *uniquelize(Target &target) {
     PathWalk walk{target, true};
     target.slot = walk.slotOf(target.lvalue);
     if (target.lvalue->kind == NodeKind::Parent) return *target.slot;
-    if (walk.needjust) target.backup = pinMat(*target.slot);
+    if (walk.needjust) {
+        if (walk.holder) pinMat(walk.holder);
+        target.backup = pinMat(*target.slot);
+    }
     return unshare(*target.slot);
 }
 
@@ -350,13 +355,22 @@ void undo(Target &target) {
     replaceMat(*walk.slotOf(target.lvalue), target.backup);
 }
 
+// A predicate that fails leaves the old value. The holder of the slot is pinned, so the slot stays where it
+// is.
+bool isJustified(Target &target, PcNode *node) {
+    openStore(target.slot, target.backup);
+    const bool accepted = justify(target, target.lvalue, node);
+    closeStore(true);
+    return accepted;
+}
+
 }  // namespace
 
 Matrix *closeTarget(Target &target, Matrix *result, PcNode *node) {
     if (target.hash) addHashData(target.hash->table(), target.new_key, *target.slot);
     if (target.backup) {
         pinMat(result);
-        if (!justify(target, target.lvalue, node)) {
+        if (!isJustified(target, node)) {
             undo(target);
             error_asgn_justify(node);
         }

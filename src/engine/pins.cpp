@@ -52,18 +52,19 @@ void releaseFunc() {
     if (--f->nholds == 0 && f->dropped) freeFuncRec(f);
 }
 
-void openStore(Matrix **slot) {
+void openStore(Matrix **slot, Matrix *old) {
     if (nstores == storecap) doubleStack(stores, storecap);
-    pinMat(*slot);
+    pinMat(old);
     stores[nstores] = {slot, npinned - 1};
     orderStores();
     nstores++;
 }
 
-Matrix *closeStore() {
+void closeStore(bool keep) {
+    if (!keep) replaceMat(*stores[nstores - 1].slot, pinned[npinned - 1]);
     nstores--;
     orderStores();
-    return unpinMat();
+    releaseMat(unpinMat());
 }
 
 uint32_t openStoreCount() { return nstores; }
@@ -71,11 +72,10 @@ uint32_t openStoreCount() { return nstores; }
 // A value that nobody else holds becomes a temporary, for the sweep.
 void unpinTo(uint32_t n) {
     while (npinned > n) {
-        if (nstores && stores[nstores - 1].pin == npinned - 1) {
-            Matrix **slot = stores[--nstores].slot;
-            replaceMat(*slot, pinned[npinned - 1]);
-        }
-        unpinMat();
+        if (nstores && stores[nstores - 1].pin == npinned - 1)
+            closeStore(false);
+        else
+            unpinMat();
     }
 }
 

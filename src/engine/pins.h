@@ -20,11 +20,11 @@ void growPins();
 inline uint32_t pinCount() { return npinned; }
 void unpinTo(uint32_t n);
 
-// A store that code of the user has still to judge: openStore pins what the slot holds before the new value
-// comes in, and a jump before closeStore puts it back. The slot lives at least as long as the pins below.
-// Stores close in reverse order, as pins go; the old value is borrowed again.
-void openStore(Matrix **slot);
-Matrix *closeStore();
+// A store that code of the user has still to judge: openStore pins the old value of the slot, and
+// closeStore(false), or a jump, puts it back. The slot lives at least as long as the pins below. Stores close
+// in reverse order, as pins go.
+void openStore(Matrix **slot, Matrix *old);
+void closeStore(bool keep);
 uint32_t openStoreCount();
 
 // A function object that the runtime calls by its record: held until releaseFunc, or until a jump.

@@ -50,7 +50,7 @@ static void addField(Xobject *obj, uint32_t name, Matrix *value) {
 
 static void putOpen(Xobject *obj, Matrix **slot, uint32_t name, Matrix *value) {
     if (!slot) return addField(obj, name, value);
-    openStore(slot);
+    openStore(slot, *slot);
     replaceMat(*slot, value);
 }
 
@@ -65,7 +65,7 @@ void resetParField(Xobject *obj, uint32_t name, Matrix *value, PcNode *node) {
 bool quickStore(Matrix *object, uint32_t name, Matrix *value) {
     xfield *slot = findObjSlot(objectOf(object), name);
     if (!slot || slot->cv->attr != Access::Public || slot->cv->domain != theCompleteMat()) return false;
-    if (objectOf(object)->type()->validate != not_found || value == object) return false;
+    if (objectOf(object)->type->validate != not_found || value == object) return false;
     replaceMat(slot->value, value);
     return true;
 }
@@ -73,7 +73,7 @@ bool quickStore(Matrix *object, uint32_t name, Matrix *value) {
 // ---- Stores that the class validates
 
 bool validate_class_member(Matrix *object, PcNode *node) {
-    const Xclass *type = objectOf(object)->type();
+    const Xclass *type = objectOf(object)->type;
     if (type->validate == not_found) return true;
     Matrix *answer = callMbUfByMat(type->field(type->validate)->value->func(), nullptr, object, node);
     const bool valid = getMatLogVal(answer);
@@ -85,16 +85,13 @@ bool validate_class_member(Matrix *object, PcNode *node) {
 static void putValidated(Matrix *object, Matrix **slot, uint32_t name, Matrix *value, PcNode *node) {
     Xobject *obj = objectOf(object);
     if (!slot) return addField(obj, name, value);
-    if (obj->type()->validate == not_found) {
+    if (obj->type->validate == not_found) {
         replaceMat(*slot, value);
         return;
     }
-    openStore(slot);
+    openStore(slot, *slot);
     replaceMat(*slot, value);
-    const bool valid = validate_class_member(object, node);
-    Matrix *old = closeStore();
-    if (!valid) replaceMat(*slot, old);
-    releaseMat(old);
+    closeStore(validate_class_member(object, node));
 }
 
 void resetObjFieldWithValidation(Matrix *object, uint32_t name, Matrix *value, PcNode *node) {

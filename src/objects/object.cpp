@@ -31,7 +31,7 @@ Matrix *const Class_ST = &struct_class_value;
 static Matrix *newObjectMat(Matrix *classmat, uint32_t n_fields, uint32_t n_acquired) {
     return newPayloadMat(L2::OBJ, [=] {
         auto *obj = newBlock<Xobject>();
-        *obj = {newVector(n_fields), classmat, newVector(n_acquired)};
+        *obj = {newVector(n_fields), classmat, newVector(n_acquired), classOf(classmat)};
         if (classmat != Class_ST) linkMat(classmat);
         return obj;
     });

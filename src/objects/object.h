@@ -60,8 +60,7 @@ struct Xobject {
     Vector *xfields;   // xfield: parallel to the fields of the class
     Matrix *classmat;  // linked, but for Class_ST
     Vector *vlfields;  // sfield: acquired fields
-
-    Xclass *type() const { return static_cast<Xclass *>(classmat->vdata); }
+    Xclass *type;      // the payload of classmat, read at every access to a field
 };
 inline Xobject *objectOf(const Matrix *m) { return static_cast<Xobject *>(m->vdata); }
 inline Xclass *classOf(const Matrix *m) { return static_cast<Xclass *>(m->vdata); }
@@ -108,7 +107,7 @@ inline uint32_t findClassFieldIndex(uint32_t name, const Xclass *type) {  // pos
     return name < type->index->size ? static_cast<uint32_t>(type->index->numberAt(name)) : not_found;
 }
 inline xfield *findObjSlot(const Xobject *obj, uint32_t name) {  // of the nearest definition
-    const uint32_t k = findClassFieldIndex(name, obj->type());
+    const uint32_t k = findClassFieldIndex(name, obj->type);
     return k == not_found ? nullptr : obj->xfields->at<xfield>(k);
 }
 Matrix *findObjField(const Xobject *obj, uint32_t name);  // its value
