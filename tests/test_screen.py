@@ -21,14 +21,14 @@ class Screen:
 
     count = 0
 
-    def __init__(self, columns=60, rows=12, term="screen-256color", startup=""):
+    def __init__(self, columns=60, rows=12, term="screen-256color", startup="", args=""):
         Screen.count += 1
         self.socket = "vesko-%d-%d" % (os.getpid(), Screen.count)
         self.home = tempfile.mkdtemp()
         with open(os.path.join(self.home, ".veskorc"), "w") as file:
             file.write(startup)
         self.tmux("-f", "/dev/null", "new-session", "-d", "-x", str(columns), "-y", str(rows),
-                  "HOME=%s TERM=%s LC_ALL=C.UTF-8 %s; stty -a | grep -o '.icanon'; sleep 60" % (self.home, term, VESKO))
+                  "HOME=%s TERM=%s LC_ALL=C.UTF-8 %s %s; stty -a | grep -o '.icanon'; sleep 60" % (self.home, term, VESKO, args))
         self.wait(lambda lines: any(line.startswith(">>") for line in lines))
 
     def tmux(self, *args):
@@ -191,10 +191,12 @@ class Window(Case):
         s.keys("Up", "Up", "Up", "Up", "Up", "BSpace").type("5", "")
         s.wait(lambda lines: lines[:3] == [">> a = 5", "    5", ">>"])
 
-    def test_pause_shows_what_was_printed(self):
+    def test_a_program_asks_for_a_line(self):
         s = self.screen()
-        s.type("k = 4; k", "")
-        s.shows(">> k = 4; k", "    4", ">>")
+        s.type('name = readline("Who? "); name + "!"', "")
+        s.ends_with("   Who?")
+        s.type("me").keys(*["BSpace"] * 9).type("you", "")
+        s.shows('>> name = readline("Who? "); name + "!"', "   Who? you", "   you!", ">>")
 
 
 class Interrupts(Case):
@@ -234,6 +236,15 @@ class Drawing(Case):
         s.shows(*self.BOX)
         s.keys("Up", "x", "Left")
         s.ends_with("   end", ">>")
+
+    def test_the_curve_of_the_library_moves(self):
+        s = self.screen(columns=70, rows=16, args="-rtpath " + os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "rt"))
+        s.type('run("curve.vk")', "")
+        s.wait(lambda lines: "middle  0.00" in lines[0] and sum(line.count("*") for line in lines) == 68)
+        s.keys("Right").type("-")
+        s.wait(lambda lines: "middle  0.50, scale 0.12" in lines[0])
+        s.type("q")
+        s.shows('>> run("curve.vk")', "    0.5", ">>")
 
     def test_an_error_and_ctrl_c_bring_the_worksheet_back(self):
         s = self.screen()
