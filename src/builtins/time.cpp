@@ -90,7 +90,7 @@ Matrix *etime_bf(Matrix *args, Matrix **, PcNode *node) {
 // What the program has shown can be seen meanwhile; an interrupt ends the wait with the command.
 void waitSeconds(double s) {
     constexpr double longest = 1e9;
-    freshScr();
+    showAll();
     timespec left;
     s = std::min(s, longest);
     left.tv_sec = static_cast<time_t>(s);

@@ -148,6 +148,13 @@ void freshScr() {
     if (!vscr.drawn) terminal->redraw();
 }
 
+// The next output takes the free line's place.
+void showAll() {
+    addlnbrk(false, LineKind::Free, false);
+    vscr.lastdraw = 0;  // the last draw is never too recent
+    freshScr();
+}
+
 void clearWindow() {
     holdInterrupt();
     while (Vsline *line = vscr.current->prev) {

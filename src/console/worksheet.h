@@ -60,6 +60,7 @@ void reserveText(Vsline *line, uint32_t length);  // room for a text of that len
 void addlnbrk(bool redraw, LineKind kind, bool force);
 void printStr(const char *text, uint32_t length, bool redraw);
 void freshScr();
+void showAll();               // what has been printed can be seen: before a program waits
 void clearWindow();           // forgets every line above the current one
 void reset_cwmode(int mode);  // 0 command mode, 1 worksheet mode, 2 no display; -1 toggles the first two
 int getcwmode();
