@@ -1,8 +1,9 @@
 """The workloads: for each the same work as a vesko program and as programs of the peers.
 
 A body that leaves its result in r is measured twice: at top level, and as <name>_f in a function. Every program
-shows its result.
+shows its result. "prepare", where it is given, is called with the folder in which the programs run.
 """
+import os
 
 STATEMENTS = 20000
 
@@ -49,6 +50,13 @@ def patterns():
                   "m = [x.regs for x in re.finditer(r'(\\w+)@(\\w+)\\.com', r)]\n"
                   "p = re.split(r'\\s+', r)\nprint(len(r) + len(m) + len(p))\n",
     }
+
+
+def write_lines(folder):
+    """A text of 100 megabytes."""
+    with open(os.path.join(folder, "lines.txt"), "w", encoding="utf-8") as file:
+        for k in range(1450000):
+            file.write("the quick brown fox jumps over the lazy dog %07d times, and more\n" % k)
 
 
 def product(n, times):
@@ -385,6 +393,55 @@ end
 r = s
 """),
     "patterns": patterns(),
+    "lines": {
+        "prepare": write_lines,
+        "vesko": """
+f = fopen("lines.txt");
+n = 0;
+line = f.readline();
+while f.eof == 0
+    n = n + line.length;
+    line = f.readline();
+end
+n
+""",
+        "lua": """
+local n = 0
+for line in io.lines("lines.txt") do
+    n = n + #line
+end
+print(n)
+""",
+        "python": """
+n = 0
+with open("lines.txt") as file:
+    for line in file:
+        n = n + len(line) - 1
+print(n)
+""",
+    },
+    "format": {
+        "vesko": """
+f = fopen("numbers.txt", "w");
+for i = 1:1000000
+    fprintf(f, "%d %.6f %g\\n", i, i / 7, i / 3);
+end
+f.tell()
+""",
+        "lua": """
+local f = io.open("numbers.txt", "w")
+for i = 1, 1000000 do
+    f:write(string.format("%d %.6f %g\\n", i, i / 7, i / 3))
+end
+print(f:seek())
+""",
+        "python": """
+f = open("numbers.txt", "w")
+for i in range(1, 1000001):
+    f.write("%d %.6f %g\\n" % (i, i / 7, i / 3))
+print(f.tell())
+""",
+    },
     "sortby": {
         "vesko": """
 l = (0, ~);

@@ -2,7 +2,7 @@
 // slot at a time, with one argument of the type that the slot names.
 #include "textio/format.h"
 
-#include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <limits>
@@ -51,14 +51,18 @@ struct PrintSlot {
     char format[longest_slot + 1];  // as the library gets it: without a length that its argument hasn't
     size_t length;                  // in the format
     SlotClass kind;
+    char conversion;
+    bool is_bare;   // no flags, no width and no length that counts
+    int precision;  // no_precision if none is given
     bool too_wide;
 };
+constexpr int no_precision = -1;
 
 // Each flag once.
 bool passFlags(SlotReader &reader) {
     uint32_t seen = 0;
-    for (; reader.nextIs("-+ #"); reader.pass("-+ #")) {
-        const uint32_t bit = 1u << (reader.next() % 32);
+    for (char flag = reader.next(); reader.pass('-', '+', ' ', '#'); flag = reader.next()) {
+        const uint32_t bit = 1u << (flag % 32);
         if (seen & bit) return false;
         seen |= bit;
     }
@@ -66,32 +70,41 @@ bool passFlags(SlotReader &reader) {
 }
 
 bool passConversion(SlotReader &reader, SlotClass &kind) {
-    if (reader.nextIs("diouxX"))
+    if (reader.pass('d', 'i', 'o', 'u', 'x', 'X'))
         kind = SlotClass::Integer;
-    else if (reader.nextIs("fegEG"))
+    else if (reader.pass('f', 'e', 'g', 'E', 'G'))
         kind = SlotClass::Real;
+    else if (reader.pass('s'))
+        kind = SlotClass::Text;
+    else if (reader.pass('c'))
+        kind = SlotClass::Character;
     else
-        kind = reader.nextIs("s") ? SlotClass::Text : SlotClass::Character;
-    return reader.pass("diouxXfegEGsc");
+        return false;
+    return true;
 }
 
 // The slot that begins at the percent sign; false if it is none.
 bool readSlot(std::string_view format, size_t from, PrintSlot &slot) {
     SlotReader reader(format, from + 1);
     if (!passFlags(reader)) return false;
-    reader.pass("0");
-    uint32_t widest = reader.nextIs("0") ? 0 : reader.passNumber();
-    if (reader.pass(".")) widest = std::max(widest, reader.passNumber());
-    slot.too_wide = widest > widest_slot;
+    reader.pass('0');
+    const uint32_t width = reader.nextIs('0') ? 0 : reader.passNumber();
+    const bool is_plain = reader.at() == from + 1;
+    const bool has_precision = reader.pass('.');
+    const uint32_t precision = has_precision ? reader.passNumber() : 0;
+    slot.too_wide = width > widest_slot || precision > widest_slot;
+    slot.precision = has_precision ? static_cast<int>(precision) : no_precision;
     size_t kept = reader.at() - from;
-    const bool is_short = reader.next() == 'h';
-    reader.pass("lhL");
+    const bool is_short = reader.nextIs('h');
+    slot.is_bare = is_plain && !is_short;
+    reader.pass('l', 'h', 'L');
+    slot.conversion = reader.next();
     if (!passConversion(reader, slot.kind)) return false;
     slot.length = reader.at() - from;
     if (slot.length > longest_slot) return false;
     format.copy(slot.format, kept, from);
     if (is_short && slot.kind == SlotClass::Integer) slot.format[kept++] = 'h';
-    slot.format[kept++] = format[reader.at() - 1];
+    slot.format[kept++] = slot.conversion;
     slot.format[kept] = '\0';
     return true;
 }
@@ -140,10 +153,32 @@ bool realOf(const Matrix *m, double &x) {
 
 constexpr size_t small_text = 512;
 
+// The quick ways of the library, with the digits of the general one: these are 0 for slots that have none.
+int convertQuickly(char *to, size_t room, const PrintSlot &slot, double x) {
+    std::chars_format format;
+    switch (slot.conversion) {
+        case 'f': format = std::chars_format::fixed; break;
+        case 'e': format = std::chars_format::scientific; break;
+        case 'g': format = std::chars_format::general; break;
+        default: return 0;
+    }
+    constexpr int usual_precision = 6;
+    const int precision = slot.precision == no_precision ? usual_precision : slot.precision;
+    const auto done = std::to_chars(to, to + room, x, format, precision);
+    return done.ec == std::errc() ? static_cast<int>(done.ptr - to) : 0;
+}
+int convertQuickly(char *to, size_t room, const PrintSlot &slot, int32_t n) {
+    if (slot.precision != no_precision || (slot.conversion != 'd' && slot.conversion != 'i')) return 0;
+    return static_cast<int>(std::to_chars(to, to + room, n).ptr - to);
+}
+int convertQuickly(char *, size_t, const PrintSlot &, const char *) { return 0; }
+
 template <class T>
-int convert(char *to, size_t room, const char *format, T value) {
+int convert(char *to, size_t room, const PrintSlot &slot, T value) {
+    if (slot.too_wide) return -1;
     holdInterrupt();
-    const int n = std::snprintf(to, room, format, value);
+    int n = slot.is_bare ? convertQuickly(to, room, slot, value) : 0;
+    if (n == 0) n = std::snprintf(to, room, slot.format, value);
     freeInterrupt();
     return n;
 }
@@ -151,12 +186,12 @@ int convert(char *to, size_t room, const char *format, T value) {
 template <class T>
 void printValue(TextSink &sink, const PrintSlot &slot, T value, PcNode *node) {
     char text[small_text];
-    const int n = slot.too_wide ? -1 : convert(text, sizeof text, slot.format, value);
+    const int n = convert(text, sizeof text, slot, value);
     if (n < 0) error_printf(node);
     const auto length = static_cast<uint32_t>(n);
     if (length < sizeof text) return sink.add({text, length});
     Matrix *big = newStrMat(checkedLength(uint64_t{length} + 1, 1));
-    convert(big->text(), size_t{length} + 1, slot.format, value);
+    convert(big->text(), size_t{length} + 1, slot, value);
     sink.add({big->text(), length});
     releaseMat(big);
 }
@@ -175,7 +210,7 @@ void printItem(TextSink &sink, const PrintSlot &slot, const Matrix *item, PcNode
             if (realOf(item, x)) return printValue(sink, slot, x, node);
             break;
         case SlotClass::Text:
-            if (item->l2type == L2::TX) return printValue(sink, slot, item->text(), node);
+            if (item->l2type == L2::TX) return printValue<const char *>(sink, slot, item->text(), node);
             break;
     }
     error_print_data(node);

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstring>
 #include <string_view>
 
 #include "engine/node.h"
@@ -25,15 +24,20 @@ public:
     SlotReader(std::string_view format, size_t from) : format_(format), at_(from) {}
     size_t at() const { return at_; }
     char next() const { return at_ < format_.size() ? format_[at_] : '\0'; }  // NUL at the end
-    bool nextIs(const char *one_of) const { return next() && std::strchr(one_of, next()); }
-    bool pass(const char *one_of) {
-        const bool passed = nextIs(one_of);
+    template <class... Char>
+    bool nextIs(Char... one_of) const {
+        return ((next() == one_of) || ...);
+    }
+    template <class... Char>
+    bool pass(Char... one_of) {
+        const bool passed = nextIs(one_of...);
         at_ += passed;
         return passed;
     }
     uint32_t passNumber() {  // a huge one counts as the largest; 0 if there is none
         uint64_t n = 0;
-        for (; nextIs("0123456789"); at_++) n = std::min<uint64_t>(n * 10 + (next() - '0'), UINT32_MAX);
+        for (; next() >= '0' && next() <= '9'; at_++)
+            n = std::min<uint64_t>(n * 10 + (next() - '0'), UINT32_MAX);
         return static_cast<uint32_t>(n);
     }
     bool passBehind(char c) {  // false if it does not come any more

@@ -62,27 +62,27 @@ private:
 };
 
 bool passConversion(SlotReader &reader, ScanKind &kind) {
-    switch (reader.next()) {
-        case 'd':
-        case 'i': kind = ScanKind::Integer; break;
-        case 'o':
-        case 'u':
-        case 'x': kind = ScanKind::Unsigned; break;
-        case 'e':
-        case 'f':
-        case 'g': kind = ScanKind::Real; break;
-        case 's': kind = ScanKind::Word; break;
-        case 'c': kind = ScanKind::Characters; break;
-        case '[': kind = ScanKind::Set; break;
-        default: return false;
-    }
-    return reader.pass("dioxuefgsc[");
+    if (reader.pass('d', 'i'))
+        kind = ScanKind::Integer;
+    else if (reader.pass('o', 'u', 'x'))
+        kind = ScanKind::Unsigned;
+    else if (reader.pass('e', 'f', 'g'))
+        kind = ScanKind::Real;
+    else if (reader.pass('s'))
+        kind = ScanKind::Word;
+    else if (reader.pass('c'))
+        kind = ScanKind::Characters;
+    else if (reader.pass('['))
+        kind = ScanKind::Set;
+    else
+        return false;
+    return true;
 }
 
 // The characters of a set, behind its bracket. A closing bracket at the head is one of them.
 bool passSet(SlotReader &reader) {
-    reader.pass("^");
-    reader.pass("]");
+    reader.pass('^');
+    reader.pass(']');
     return reader.passBehind(']');
 }
 
@@ -104,13 +104,13 @@ const char *lengthOf(ScanKind kind) {
 bool retrieve_i_fmt(std::string_view format, size_t at, WorkFormat &work, ScanSlot &slot) {
     SlotReader reader(format, at + 1);
     slot = {ScanKind::Percent, true, 0, at + 2};
-    if (reader.pass("%")) {
+    if (reader.pass('%')) {
         work.add("%n%%%n");
         return true;
     }
-    slot.assigns = !reader.pass("*");
+    slot.assigns = !reader.pass('*');
     slot.width = std::min(reader.passNumber(), longest_scanned_text);
-    const bool sized = reader.pass("hlL");
+    const bool sized = reader.pass('h', 'l', 'L');
     const size_t conversion = reader.at();
     if (!passConversion(reader, slot.kind) || (sized && isText(slot.kind))) return false;
     if (slot.kind == ScanKind::Set && !passSet(reader)) return false;
