@@ -14,7 +14,7 @@
 namespace vesko {
 
 // A folder opens for reading but has no text: it counts as not found.
-static std::FILE *openForReading(const char *path) {
+std::FILE *openGFile(const char *path) {
     holdInterrupt();
     std::FILE *file = std::fopen(path, "rb");
     struct stat info;
@@ -33,13 +33,13 @@ static std::FILE *openInFolder(const Matrix *folder, const char *name, const cha
     size_t size = folder->length + std::strlen(name) + std::strlen(suffix) + 2;
     Matrix *full = newStrMat(static_cast<uint32_t>(size));
     std::snprintf(full->text(), size, "%s%s%s%s", path, slash ? "/" : "", name, suffix);
-    std::FILE *file = openForReading(full->text());
+    std::FILE *file = openGFile(full->text());
     releaseMat(full);
     return file;
 }
 
 std::FILE *openXFile(const char *name) {
-    if (name[0] == '/') return openForReading(name);
+    if (name[0] == '/') return openGFile(name);
     uint32_t k = findGv(findSymbolIndex("libpaths"));
     if (k == not_found) return nullptr;
     Matrix *paths = getGv(k);
@@ -58,23 +58,29 @@ std::FILE *openHFile(const char *name) {
     return openInFolder(getGv(k), name, ".txt");
 }
 
+static void growBuffer(char *&buffer, uint32_t &capacity) {
+    constexpr uint32_t longest = 1u << 30;
+    const uint32_t doubled = 2 * capacity;
+    if (doubled > longest) refuseMemory(doubled);
+    buffer = static_cast<char *>(m_realloc(buffer, capacity, doubled));
+    capacity = doubled;
+}
+
 uint32_t xgetline(char *&buffer, uint32_t &capacity, std::FILE *stream, char &last_end) {
     uint32_t length = 0;
     int c = std::getc(stream);
     if (c == '\n' && last_end == '\r') c = std::getc(stream);
     last_end = 0;
-    for (; c != EOF; c = std::getc(stream)) {
+    for (; c != EOF && !interrupt_pending; c = std::getc(stream)) {
         bool line_end = c == '\n' || c == '\r';
-        if (length + 1 >= capacity) {
-            buffer = static_cast<char *>(m_realloc(buffer, capacity, capacity + 64));
-            capacity += 64;
-        }
+        if (length + 1 >= capacity) growBuffer(buffer, capacity);
         buffer[length++] = static_cast<char>(line_end ? '\n' : c);
         if (line_end) {
             last_end = static_cast<char>(c);
             break;
         }
     }
+    if (interrupt_pending) length = 0;
     buffer[length] = 0;
     return length;
 }

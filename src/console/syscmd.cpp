@@ -1,6 +1,5 @@
 // The system commands: words typed like shell commands.
 #include <dirent.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -26,17 +25,19 @@ namespace {
 
 constexpr uint32_t line_buffer_size = 128;
 
-// Shows the rest of a stream between two line breaks.
-void showStream(std::FILE *stream, void (*showLine)(char *line, uint32_t length)) {
+// Shows the rest of a stream between two line breaks, and closes it. An interrupt ends it between two lines.
+void showStream(std::FILE *stream, void (*showLine)(char *line, uint32_t length),
+                int (*close)(std::FILE *) = std::fclose) {
     uint32_t capacity = line_buffer_size;
     char *buffer = mallocArray<char>(capacity);
     char last_end = 0;
     xPrintLineBrk(false, static_cast<int>(LineKind::FirstOutput));
     holdInterrupt();
     while (uint32_t length = xgetline(buffer, capacity, stream, last_end)) showLine(buffer, length);
+    close(stream);
+    m_free(buffer, capacity);
     freeInterrupt();
     xPrintLineBrk(false, static_cast<int>(LineKind::Output));
-    m_free(buffer, capacity);
 }
 
 void showPlainLine(char *line, uint32_t length) {
@@ -78,7 +79,6 @@ Matrix *help_bf(PcNode *node) {
     }
     if (std::FILE *file = openHFile(subject)) {
         showStream(file, showHelpLine);
-        std::fclose(file);
     } else if (node->ncub == 1) {
         xMesg("Help file \"%s.txt\" not found", subject);
     } else {
@@ -127,18 +127,12 @@ Matrix *cat_bf(PcNode *node) {
     if (node->ncub != 1) return theEmptyMat();
     Matrix *name = stringArgument(node);
     if (!name) return theNullMat();
-    std::FILE *file = std::fopen(name->text(), "r");
-    struct stat info;
-    if (file && (fstat(fileno(file), &info) != 0 || S_ISDIR(info.st_mode))) {
-        std::fclose(file);
-        file = nullptr;
-    }
+    std::FILE *file = openGFile(name->text());
     if (!file) {
         xMesg("Cannot open file \"%s\"", name->text());
         return theNullMat();
     }
     showStream(file, showPlainLine);
-    std::fclose(file);
     return theNullMat();
 }
 
@@ -151,8 +145,7 @@ Matrix *system_bf(PcNode *node) {
         xMesg("Cannot open output");
         return theNullMat();
     }
-    showStream(output, showPlainLine);
-    pclose(output);
+    showStream(output, showPlainLine, pclose);
     return theNullMat();
 }
 

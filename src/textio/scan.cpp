@@ -117,8 +117,8 @@ bool retrieve_i_fmt(std::string_view format, size_t at, WorkFormat &work, ScanSl
     slot.end = reader.at();
     if (slot.width == 0) slot.width = widthOf(slot.kind);
 
-    work.add(slot.kind == ScanKind::Word ? " %n%"
-                                         : "%n%");  // blanks before a word are not counted as its own
+    // Blanks before a word are not counted as its own.
+    work.add(slot.kind == ScanKind::Word ? " %n%" : "%n%");
     if (!slot.assigns) work.add("*");
     if (slot.width > 0) work.addNumber(slot.width);
     if (slot.assigns) work.add(lengthOf(slot.kind));
