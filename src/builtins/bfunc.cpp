@@ -179,6 +179,7 @@ static Matrix *spawned(Bfunc *src, const Matrix *values) {
 
 Matrix *spawnBf(Matrix *bf, const Matrix *values, PcNode *node) {
     Bfunc *src = bf->builtin();
+    if (src->row && src->row->later) src->func(theEmptyMat(), nullptr, node);
     if (src->maintainer && src->nparms && fitsSpawn(src, values->length))
         if (Matrix *copy = spawned(src, values)) return copy;
     if (src->nparms == 0 && values->length == 1) error_undef_opr(node, bf, Opr::Ref);

@@ -48,6 +48,7 @@ struct BfRow {
     BfParmList parms = {};
     uint32_t leastSpawn = 0;            // values that a spawn must give at least; 0: all
     BfMaintainer maintainer = nullptr;  // null: parameters are kept by parms alone
+    bool later = false;                 // the worker says that it is not built yet
 };
 
 struct Bfunc {

@@ -99,7 +99,8 @@ static const BfRow rows[] = {
               error_not_built(node, "'" text "' (" room ")");           \
           },                                                            \
           .inputs = input_names,                                        \
-          .noFold = true},
+          .noFold = true,                                               \
+          .later = true},
 #include "builtins/builtins.def"
 #undef BF
 };
