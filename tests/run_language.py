@@ -4,12 +4,14 @@
 Usage: run_language.py VESKO FILE-OR-FOLDER...
 
 A test is a .vk file. It is fed to the program's standard input, and all that the program prints must be the
-text behind the marks "%=" of the file, in order:
+text behind the marks of the file, in order. The mark is "//=" beside the question, "%=" on a line of its own:
 
-    1 + 2
-    %=    3
+    1 + 2       //=     3
+    [1; 2]
+    %=     1
+    %=     2
 
-One blank behind the mark is not part of the text; blanks at the end of a line do not count. Lines that begin
+One blank behind a mark is not part of the text; blanks at the end of a line do not count. Lines that begin
 with "%:" steer the run:
 
     %: status N       expected exit status (0 unless given)
@@ -19,12 +21,14 @@ with "%:" steer the run:
     %: no newline     the last line is fed without its line end
 """
 import os
+import re
 import shutil
 import subprocess
 import sys
 import tempfile
 
 SECONDS = 60
+ANSWER = re.compile(r"(?:^\s*%|//)= ?(.*)")
 RUNTIME = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "rt")
 RUN_TIME_PATH = os.path.join(os.path.dirname(os.path.dirname(os.path.abspath(__file__))), "rt")
 
@@ -37,8 +41,9 @@ class Case:
         self.expected = []
         for line in self.source.decode("utf-8", "surrogateescape").split("\n"):
             text = line.strip()
-            if text.startswith("%="):
-                self.expected.append(text[2:].removeprefix(" ").rstrip())
+            answer = ANSWER.search(line)
+            if answer:
+                self.expected.append(answer.group(1).rstrip())
             elif text.startswith("%: status"):
                 self.status = int(text.split()[2])
             elif text.startswith("%: startup"):
