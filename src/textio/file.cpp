@@ -102,8 +102,9 @@ void flushFiles() { std::fflush(nullptr); }
 // ---- Judging
 
 const char *sourceOfArgument(PcNode *call, uint32_t k) {
-    const bool known = call && call->kind == NodeKind::BuiltinCall && k < call->ncub;
-    return known ? pcnode2str(call->child(k))->text() : "";
+    if (!call) return "";
+    const bool known = call->kind == NodeKind::BuiltinCall && k < call->ncub;
+    return pcnode2str(known ? call->child(k) : call)->text();
 }
 
 // A member call stands on a field node, and that on the file.

@@ -43,7 +43,7 @@ const char *getFileMode(uint8_t bits);  // text of the mode, or null if there is
 void demandOpen(const FileRecord *file, PcNode *node);
 void demandReadable(const FileRecord *file, PcNode *node);
 void demandWritable(const FileRecord *file, uint8_t modes, PcNode *node);  // one of the modes at least
-const char *sourceOfArgument(PcNode *call, uint32_t k);                    // for errors
+const char *sourceOfArgument(PcNode *call, uint32_t k);  // for errors: the call itself where it is unknown
 
 // ---- Reading, of a readable file.
 bool awaitInput(FileRecord *file, PcNode *node);   // until bytes stand in the buffer; false at the end
