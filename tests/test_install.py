@@ -34,6 +34,7 @@ class Installed(unittest.TestCase):
                          [runtime + "/share/", "(., %s/test/)" % runtime])
         self.assertEqual(lines[2:], output([BUILD + "/vesko", "-rtpath", BUILD], 'run("determinant.vk")').split("\n"))
         self.assertGreater(len(lines), 3)
+        self.assertTrue(os.path.exists(runtime + "/share/intro.txt"))
 
     def test_a_system_is_told_by_its_configuration(self):
         for prefix in "/usr", "/usr/local":
