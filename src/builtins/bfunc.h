@@ -35,6 +35,7 @@ struct BfParmList {
     uint32_t count = 0;
 
     constexpr BfParmList() = default;
+    constexpr BfParmList(const BfParm *parms, uint32_t n) : first(parms), count(n) {}
     template <uint32_t N>
     constexpr BfParmList(const BfParm (&parms)[N]) : first(parms), count(N) {}
 };

@@ -1,10 +1,10 @@
 // Domains: predicates that answer true or false for any value, and never an error.
 #include <cmath>
 
+#include "builtins/domain_family.h"
 #include "builtins/workers.h"
 #include "operators/dispatch.h"
 #include "values/convert.h"
-#include "values/display.h"
 #include "values/elements.h"
 
 namespace vesko {
@@ -13,8 +13,15 @@ namespace vesko {
 
 static bool acceptsInterval(const Matrix *m) { return m->l2type == L2::ITV || m->l2type == L2::NUL; }
 static bool acceptsAnything(const Matrix *) { return true; }
+static bool acceptsSize(const Matrix *m) {
+    int32_t n;
+    return m->l2type == L2::NUL || (extract_integer(m, n) && n > 0);
+}
 
-const BfParm interval_parms[1] = {{"domain", theEmptyMat, acceptsInterval}};
+constexpr BfParm domain_parms[3] = {{"m", theEmptyMat, acceptsSize},
+                                {"n", theEmptyMat, acceptsSize},
+                                {"domain", theEmptyMat, acceptsInterval}};
+constexpr BfParm interval_parms[1] = {domain_parms[2]};
 const BfParm length_parms[2] = {{"length", theEmptyMat, acceptsInterval},
                                 {"domain", theEmptyMat, acceptsAnything}};
 
@@ -41,14 +48,19 @@ static bool readReal(const Matrix *m, double &x) {
     return true;
 }
 
+static bool isRealIn(const Matrix *domain, double x) { return !std::isnan(x) && inUnion(domain, x); }
+static bool isWholeIn(const Matrix *domain, double x) {
+    return std::isfinite(x) && std::floor(x) == x && inUnion(domain, x);
+}
+
 static bool isReal(const Matrix *m, const Matrix *domain) {
     double x;
-    return readReal(m, x) && !std::isnan(x) && inUnion(domain, x);
+    return readReal(m, x) && isRealIn(domain, x);
 }
 
 static bool isWhole(const Matrix *m, const Matrix *domain) {
     double x;
-    return readReal(m, x) && std::isfinite(x) && std::floor(x) == x && inUnion(domain, x);
+    return readReal(m, x) && isWholeIn(domain, x);
 }
 
 static bool isComplex(const Matrix *m) {
@@ -68,6 +80,61 @@ Matrix *M_bf(Matrix *args, Matrix **, PcNode *) { return truthMat(isOne(args, L2
 Matrix *B_bf(Matrix *args, Matrix **, PcNode *) { return truthMat(isOne(args, L2::BY)); }
 Matrix *DC_bf(Matrix *args, Matrix **, PcNode *) { return truthMat(isOne(args, L2::CS)); }
 
+// ---- Shapes
+
+static uint32_t sizeOr(const Matrix *parm, uint32_t own) {
+    int32_t n;
+    return extract_integer(parm, n) ? static_cast<uint32_t>(n) : own;
+}
+
+// A vector is told by its number of elements alone.
+bool fitsShape(const Matrix *m, Shape shape, Matrix *const *sizes) {
+    const auto n = [=](uint32_t own) { return shape.size ? shape.size : sizeOr(sizes[0], own); };
+    switch (shape.form) {
+        case Form::Vector: return m->length == n(m->length);
+        case Form::Square: return m->isSquare() && m->nrows == n(m->nrows);
+        case Form::Column: return m->ncols == 1 && m->nrows == n(m->nrows);
+        case Form::Row: return m->nrows == 1 && m->ncols == n(m->ncols);
+        case Form::Matrix: return m->nrows == n(m->nrows) && m->ncols == sizeOr(sizes[1], m->ncols);
+    }
+    return false;
+}
+
+template <class Test>
+static bool every(const Matrix *m, Test holds) {
+    if (!hasPlainElements(m->l2type)) return false;
+    for (uint32_t i = 0; i < m->length; i++)
+        if (!holds(elementOf(m, i))) return false;
+    return true;
+}
+
+static bool everyReal(const Matrix *m, const Matrix *domain) {
+    return every(m, [=](double x) { return isRealIn(domain, x); });
+}
+
+static bool everyComplex(const Matrix *m) {
+    if (m->l2type != L2::CS && m->l2type != L2::CM) return everyReal(m, theEmptyMat());
+    return everyReal(m->re(), theEmptyMat()) && everyReal(m->im(), theEmptyMat());
+}
+
+// Kinds whose elements are doubles.
+static bool isDouble(L2 t) {
+    return hasPlainElements(t) && t != L2::IM && t != L2::IS && t != L2::BY && t != L2::BI;
+}
+
+bool everyElement(Element element, const Matrix *m, const Matrix *domain) {
+    switch (element) {
+        case Element::R: return everyReal(m, domain);
+        case Element::Z: return every(m, [=](double x) { return isWholeIn(domain, x); });
+        case Element::C: return everyComplex(m);
+        case Element::D: return isDouble(m->l2type);
+        case Element::I: return m->l2type == L2::IS || m->l2type == L2::IM;
+        case Element::B: return m->l2type == L2::BY;
+        case Element::DC: return m->l2type == L2::CS || m->l2type == L2::CM;
+    }
+    return false;
+}
+
 // ---- Kinds
 
 Matrix *hash_bf(Matrix *args, Matrix **, PcNode *) { return truthMat(args->l2type == L2::HASH); }
@@ -75,6 +142,7 @@ Matrix *obj_bf(Matrix *args, Matrix **, PcNode *) { return truthMat(args->l2type
 Matrix *class_bf(Matrix *args, Matrix **, PcNode *) { return truthMat(args->l2type == L2::CLASS); }
 Matrix *bf_bf(Matrix *args, Matrix **, PcNode *) { return truthMat(args->l2type == L2::BF); }
 Matrix *uf_bf(Matrix *args, Matrix **, PcNode *) { return truthMat(args->l2type == L2::UF); }
+Matrix *sparse_bf(Matrix *args, Matrix **, PcNode *) { return truthMat(args->l2type == L2::SPARSE); }
 
 // ---- Strings and lists: a length, and a domain that the string, or each entry, belongs to
 
@@ -98,45 +166,6 @@ Matrix *list_bf(Matrix *args, Matrix **parms, PcNode *node) {
     for (uint32_t i = 0; i < args->length; i++)
         if (!isMember(args->entries()[i], parms[1], node)) return theFalseMat();
     return theTrueMat();
-}
-
-// ---- Display settings
-
-// The letter of a format, in lower case; 0 for anything else.
-static char formatLetter(const Matrix *m) {
-    if (m->l2type != L2::TX || m->length != 1) return 0;
-    switch (m->text()[0]) {
-        case 'g':
-        case 'G': return 'g';
-        case 'e':
-        case 'E': return 'e';
-        default: return 0;
-    }
-}
-
-static Matrix *applyFormat(const Matrix *m, void (*apply)(char)) {
-    const char letter = formatLetter(m);
-    if (letter) apply(letter);
-    return truthMat(letter);
-}
-
-static Matrix *applyDigits(const Matrix *m, void (*apply)(uint32_t)) {
-    constexpr int32_t least = 3, most = 17;
-    int32_t n;
-    const bool good = extract_integer(m, n) && n >= least && n <= most;
-    if (good) apply(static_cast<uint32_t>(n));
-    return truthMat(good);
-}
-
-Matrix *disp_format_domain_bf(Matrix *args, Matrix **, PcNode *) { return applyFormat(args, setDispFormat); }
-Matrix *disp_format_scalar_domain_bf(Matrix *args, Matrix **, PcNode *) {
-    return applyFormat(args, setDispFormatScalar);
-}
-Matrix *disp_ndigits_domain_bf(Matrix *args, Matrix **, PcNode *) {
-    return applyDigits(args, setDispNdigits);
-}
-Matrix *disp_ndigits_scalar_domain_bf(Matrix *args, Matrix **, PcNode *) {
-    return applyDigits(args, setDispNdigitsScalar);
 }
 
 }  // namespace vesko

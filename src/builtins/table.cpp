@@ -7,6 +7,7 @@
 
 #include "builtins/regexp_match.h"
 #include "builtins/sort.h"
+#include "builtins/domain_family.h"
 #include "builtins/workers.h"
 #include "engine/errors.h"
 #include "engine/frame.h"
@@ -14,6 +15,7 @@
 #include "engine/node.h"
 #include "frontend/parser.h"
 #include "frontend/symbols.h"
+#include "multiprec/precision.h"
 #include "values/audit.h"
 #include "values/memory.h"
 
@@ -101,6 +103,7 @@ static const BfRow rows[] = {
           .inputs = input_names,                                        \
           .noFold = true,                                               \
           .later = true},
+#define DOMAIN_SHAPES DOMAIN_ROWS
 #include "builtins/builtins.def"
 #undef BF
 };
@@ -121,18 +124,22 @@ static void addBuiltins() {
 }
 
 static void addSettings() {
-    static const BfRow domains[] = {
-        {"_disp_format_domain", disp_format_domain_bf, "x"},
-        {"_disp_format_scalar_domain", disp_format_scalar_domain_bf, "x"},
-        {"_disp_ndigits_domain", disp_ndigits_domain_bf, "x"},
-        {"_disp_ndigits_scalar_domain", disp_ndigits_scalar_domain_bf, "x"},
-    };
     constexpr double digits = 6;
     Matrix *format = newStrMatCopy("g"), *ndigits = newRealScalarMat(digits);
-    const char *const names[] = {"disp_format", "disp_format_scalar", "disp_ndigits", "disp_ndigits_scalar"};
-    Matrix *const values[] = {format, format, ndigits, ndigits};
-    for (unsigned i = 0; i < 4; i++)
-        addGvWithDomain(findSymbolIndex(names[i]), values[i], newBuiltin(domains[i]));
+    struct Setting {
+        const char *name;
+        Matrix *value;
+        BfRow domain;
+    };
+    static const Setting settings[] = {
+        {"mpf_ndigits", newIntScalarMat(max_mantissa_nbits), {"_mpf_ndig_domain", mpf_ndig_domain_bf, "x"}},
+        {"disp_format", format, {"_disp_format_domain", disp_format_domain_bf, "x"}},
+        {"disp_format_scalar", format, {"_disp_format_scalar_domain", disp_format_scalar_domain_bf, "x"}},
+        {"disp_ndigits", ndigits, {"_disp_ndigits_domain", disp_ndigits_domain_bf, "x"}},
+        {"disp_ndigits_scalar", ndigits, {"_disp_ndigits_scalar_domain", disp_ndigits_scalar_domain_bf, "x"}},
+    };
+    for (const Setting &s : settings)
+        addGvWithDomain(findSymbolIndex(s.name), s.value, newBuiltin(s.domain));
 }
 
 static void addConstant(const char *name, Matrix *value) { addBf(findSymbolIndex(name), value); }

@@ -16,7 +16,8 @@ extern const BfParm trivial_parms[1];
 extern const BfParm strcmp_parms[1];
 extern const BfParm reduction_parms[1];
 
-// Domains of the display settings: what they accept, they apply.
+// Domains of the settings: what they accept, they apply.
+Matrix *mpf_ndig_domain_bf(Matrix *args, Matrix **parms, PcNode *node);
 Matrix *disp_format_domain_bf(Matrix *args, Matrix **parms, PcNode *node);
 Matrix *disp_format_scalar_domain_bf(Matrix *args, Matrix **parms, PcNode *node);
 Matrix *disp_ndigits_domain_bf(Matrix *args, Matrix **parms, PcNode *node);

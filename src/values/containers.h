@@ -49,17 +49,21 @@ Matrix *makeTriMatVec(Matrix *a, Matrix *b, Matrix *c);
 Matrix *makeQuadMatVec(Matrix *a, Matrix *b, Matrix *c, Matrix *d);
 void print_vector_list_sizes();
 
-// ---- Hash tables. 67 buckets, a node vector in order of insertion, a default value.
+// ---- Hash tables. 67 buckets, a node vector in order of insertion, a default value; a table of many keys has
+// an index too, in which they are found.
 struct hashnode {
     uint32_t index;  // place in the node vector
+    uint32_t code;
     Matrix *key;
     Matrix *data;
-    hashnode *next;
+    hashnode *next;       // in the bucket
+    hashnode *next_near;  // in the index
 };
 struct hashtable {
     Vector *buckets;
     Vector *nodes;
     Matrix *dflt;
+    Vector *index;  // heads of chains, their number a power of two; null in a small table
 
     uint32_t count() const { return nodes->size; }
     hashnode *node(uint32_t i) const { return nodes->at<hashnode>(i); }

@@ -1,5 +1,5 @@
-// Hash tables and sets: 67 chains, and a vector of the nodes in order of insertion. There is no rehash:
-// tables of the language are expected to be small.
+// Hash tables and sets: 67 chains, and a vector of the nodes in order of insertion. The chains stay as they
+// are, since they tell which keys can be removed; keys of larger tables are found through an index that grows.
 #include <bit>
 #include <cassert>
 #include <cstring>
@@ -78,9 +78,9 @@ uint32_t getMatHashCode(const Matrix *m) {
 
 // ---- Nodes
 
-static hashnode *newHashNode(uint32_t place, Matrix *key, Matrix *data) {
+static hashnode *newHashNode(uint32_t place, uint32_t code, Matrix *key, Matrix *data) {
     hashnode *n = newBlock<hashnode>();
-    *n = {place, key, data, nullptr};
+    *n = {place, code, key, data, nullptr, nullptr};
     linkMat(key);
     linkMat(data);
     return n;
@@ -94,23 +94,71 @@ static void freeHashNode(void *node) {
     ucReleaseMat(data);
 }
 
-static hashnode *firstOf(const hashtable *t, uint32_t bucket) { return t->buckets->at<hashnode>(bucket); }
+// ---- The index
 
-static uint32_t bucketOf(const Matrix *key) { return getMatHashCode(key) % n_buckets; }
+constexpr uint32_t keys_without_index = 2 * n_buckets;
 
-static hashnode *findNode(const hashtable *t, uint32_t bucket, const Matrix *key) {
-    hashnode *n = firstOf(t, bucket);
-    while (n && !are_equal(n->key, key)) n = n->next;
+using Chain = hashnode *;
+
+static Chain &bucketOf(const hashtable *t, uint32_t code) {
+    return reinterpret_cast<Chain &>(t->buckets->data[code % n_buckets]);
+}
+
+// The chain of the index by the high bits of a product, on which all bits of the code have a bearing.
+static Chain &indexChain(const Vector *index, uint32_t code) {
+    constexpr uint32_t golden = 0x9e3779b1;
+    const uint32_t k = (code * golden) >> (32 - std::countr_zero(index->size));
+    return reinterpret_cast<Chain &>(index->data[k]);
+}
+
+static Vector *newHeads(uint32_t n) {
+    Vector *heads = newVector(n);
+    heads->size = n;
+    std::memset(heads->data, 0, n * sizeof(void *));
+    return heads;
+}
+
+static void enterIndex(Vector *index, hashnode *n) {
+    Chain &chain = indexChain(index, n->code);
+    n->next_near = chain;
+    chain = n;
+}
+
+static void leaveIndex(Vector *index, const hashnode *n) {
+    Chain *at = &indexChain(index, n->code);
+    while (*at != n) at = &(*at)->next_near;
+    *at = n->next_near;
+}
+
+static bool needsIndex(const hashtable *t) {
+    return t->count() >= (t->index ? t->index->size : keys_without_index);
+}
+
+// So that one more node finds chains of one node in the mean.
+static void growIndex(hashtable *t) {
+    Vector *index = newHeads(std::bit_ceil(2 * t->count()));
+    for (uint32_t i = 0; i < t->count(); i++) enterIndex(index, t->node(i));
+    freeVector(t->index, nullptr);
+    t->index = index;
+}
+
+static hashnode *findNode(const hashtable *t, uint32_t code, const Matrix *key) {
+    const bool indexed = t->index;
+    hashnode *n = indexed ? indexChain(t->index, code) : bucketOf(t, code);
+    while (n && (n->code != code || !are_equal(n->key, key))) n = indexed ? n->next_near : n->next;
     return n;
 }
 
 // A new node, in front of its chain.
-static hashnode *addNode(hashtable *t, uint32_t bucket, Matrix *key, Matrix *data) {
+static hashnode *addNode(hashtable *t, uint32_t code, Matrix *key, Matrix *data) {
     holdInterrupt();
     reserveElement(t->nodes);
-    hashnode *n = newHashNode(t->nodes->size, key, data);
-    n->next = firstOf(t, bucket);
-    t->buckets->data[bucket] = n;
+    if (needsIndex(t)) growIndex(t);
+    hashnode *n = newHashNode(t->count(), code, key, data);
+    Chain &bucket = bucketOf(t, code);
+    n->next = bucket;
+    bucket = n;
+    if (t->index) enterIndex(t->index, n);
     addElement(t->nodes, n);
     freeInterrupt();
     return n;
@@ -121,11 +169,10 @@ static hashnode *addNode(hashtable *t, uint32_t bucket, Matrix *key, Matrix *dat
 hashtable *newHashTable(uint32_t n) {
     holdInterrupt();
     hashtable *t = newBlock<hashtable>();
-    t->buckets = newVector(n_buckets);
-    t->buckets->size = n_buckets;
-    std::memset(t->buckets->data, 0, n_buckets * sizeof(void *));
+    t->buckets = newHeads(n_buckets);
     t->nodes = newVector(n < least_nodes ? least_nodes : n);
     t->dflt = theEmptyMat();
+    t->index = nullptr;
     linkMat(t->dflt);
     freeInterrupt();
     return t;
@@ -136,6 +183,7 @@ void freeHashTable(hashtable *t) {
     freeVector(t->nodes, freeHashNode);
     ucReleaseMat(t->dflt);
     freeVector(t->buckets, nullptr);
+    freeVector(t->index, nullptr);
     recycleBlock(t);
     freeInterrupt();
 }
@@ -144,24 +192,25 @@ hashtable *copyHashTable(const hashtable *t) {
     hashtable *copy = newHashTable(t->count());
     for (uint32_t i = 0; i < t->count(); i++) {
         const hashnode *n = t->node(i);
-        addNode(copy, bucketOf(n->key), n->key, n->data);
+        addNode(copy, n->code, n->key, n->data);
     }
     return copy;
 }
 
 void addHashData(hashtable *t, Matrix *key, Matrix *value) {
-    const uint32_t bucket = bucketOf(key);
-    if (hashnode *n = findNode(t, bucket, key))
+    const uint32_t code = getMatHashCode(key);
+    if (hashnode *n = findNode(t, code, key))
         replaceMat(n->data, value);
     else
-        addNode(t, bucket, key, value);
+        addNode(t, code, key, value);
 }
 
 // The last node of the node vector takes the place of the one that goes.
-static void unlinkFirst(hashtable *t, uint32_t bucket) {
+static void unlinkFirst(hashtable *t, Chain &bucket) {
     holdInterrupt();
-    hashnode *n = firstOf(t, bucket);
-    t->buckets->data[bucket] = n->next;
+    hashnode *n = bucket;
+    bucket = n->next;
+    if (t->index) leaveIndex(t->index, n);
     hashnode *last = t->node(t->count() - 1);
     last->index = n->index;
     removeElementAt(t->nodes, n->index);
@@ -172,24 +221,25 @@ static void unlinkFirst(hashtable *t, uint32_t bucket) {
 // Only a key that stands first in its chain goes; one that stands deeper is passed over and stays. Programs
 // see that, and rely on it.
 bool removeHashKey(hashtable *t, Matrix *key) {
-    const uint32_t bucket = bucketOf(key);
-    const hashnode *n = firstOf(t, bucket);
-    if (!n || !are_equal(n->key, key)) return false;
+    Chain &bucket = bucketOf(t, getMatHashCode(key));
+    if (!bucket || !are_equal(bucket->key, key)) return false;
     unlinkFirst(t, bucket);
     return true;
 }
 
+hashnode *findHashNode(const hashtable *t, const Matrix *key) {
+    return findNode(t, getMatHashCode(key), key);
+}
+
 Matrix *findHashData(const hashtable *t, const Matrix *key) {
-    const hashnode *n = findNode(t, bucketOf(key), key);
+    const hashnode *n = findHashNode(t, key);
     return n ? n->data : t->dflt;
 }
 
-hashnode *findHashNode(const hashtable *t, const Matrix *key) { return findNode(t, bucketOf(key), key); }
-
 Matrix **findHashDataAddr(hashtable *t, Matrix *key) {
-    const uint32_t bucket = bucketOf(key);
-    hashnode *n = findNode(t, bucket, key);
-    if (!n) n = addNode(t, bucket, key, theEmptyMat());
+    const uint32_t code = getMatHashCode(key);
+    hashnode *n = findNode(t, code, key);
+    if (!n) n = addNode(t, code, key, theEmptyMat());
     return &n->data;
 }
 
@@ -208,18 +258,18 @@ bool is_empty_set(const xset *s) { return s->count() == 0; }
 Matrix *setMemberAt(const xset *s, uint32_t i) { return s->node(i)->key; }
 
 Matrix *findSetMember(const xset *s, const Matrix *m) {
-    const hashnode *n = findNode(s, bucketOf(m), m);
+    const hashnode *n = findHashNode(s, m);
     return n ? n->key : nullptr;
 }
 
 Matrix *findSetMemberShip(const xset *s, const Matrix *m) { return truthMat(findSetMember(s, m)); }
 
 void addSetMember(xset *s, Matrix *m) {
-    const uint32_t bucket = bucketOf(m);
-    if (!findNode(s, bucket, m)) addNode(s, bucket, m, theTrueMat());
+    const uint32_t code = getMatHashCode(m);
+    if (!findNode(s, code, m)) addNode(s, code, m, theTrueMat());
 }
 
-void qAddSetMember(xset *s, Matrix *m) { addNode(s, bucketOf(m), m, theTrueMat()); }
+void qAddSetMember(xset *s, Matrix *m) { addNode(s, getMatHashCode(m), m, theTrueMat()); }
 
 bool removeSetMember(xset *s, Matrix *m) { return removeHashKey(s, m); }
 
