@@ -50,6 +50,8 @@ struct BfRow {
     uint32_t leastSpawn = 0;            // values that a spawn must give at least; 0: all
     BfMaintainer maintainer = nullptr;  // null: parameters are kept by parms alone
     bool later = false;                 // the worker says that it is not built yet
+    // Of a domain: whether it has the real scalar x, as the worker would answer.
+    bool (*hasReal)(double x, Matrix *const *parms) = nullptr;
 };
 
 struct Bfunc {

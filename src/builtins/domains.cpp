@@ -19,8 +19,8 @@ static bool acceptsSize(const Matrix *m) {
 }
 
 constexpr BfParm domain_parms[3] = {{"m", theEmptyMat, acceptsSize},
-                                {"n", theEmptyMat, acceptsSize},
-                                {"domain", theEmptyMat, acceptsInterval}};
+                                    {"n", theEmptyMat, acceptsSize},
+                                    {"domain", theEmptyMat, acceptsInterval}};
 constexpr BfParm interval_parms[1] = {domain_parms[2]};
 const BfParm length_parms[2] = {{"length", theEmptyMat, acceptsInterval},
                                 {"domain", theEmptyMat, acceptsAnything}};
@@ -53,26 +53,24 @@ static bool isWholeIn(const Matrix *domain, double x) {
     return std::isfinite(x) && std::floor(x) == x && inUnion(domain, x);
 }
 
-static bool isReal(const Matrix *m, const Matrix *domain) {
-    double x;
-    return readReal(m, x) && isRealIn(domain, x);
-}
-
-static bool isWhole(const Matrix *m, const Matrix *domain) {
-    double x;
-    return readReal(m, x) && isWholeIn(domain, x);
-}
-
-static bool isComplex(const Matrix *m) {
-    if (m->l2type != L2::CS) return isReal(m, theEmptyMat());
-    return !std::isnan(m->re()->rdata[0]) && !std::isnan(m->im()->rdata[0]);
-}
+bool R_has(double x, Matrix *const *parms) { return isRealIn(parms[0], x); }
+bool Z_has(double x, Matrix *const *parms) { return isWholeIn(parms[0], x); }
+bool C_has(double x, Matrix *const *) { return !std::isnan(x); }
+bool D_has(double, Matrix *const *) { return true; }
 
 static bool isOne(const Matrix *m, L2 kind) { return m->l2type == kind && m->length == 1; }
 
-Matrix *R_bf(Matrix *args, Matrix **parms, PcNode *) { return truthMat(isReal(args, parms[0])); }
-Matrix *Z_bf(Matrix *args, Matrix **parms, PcNode *) { return truthMat(isWhole(args, parms[0])); }
-Matrix *C_bf(Matrix *args, Matrix **, PcNode *) { return truthMat(isComplex(args)); }
+Matrix *R_bf(Matrix *args, Matrix **parms, PcNode *) {
+    double x;
+    return truthMat(readReal(args, x) && R_has(x, parms));
+}
+Matrix *Z_bf(Matrix *args, Matrix **parms, PcNode *) {
+    double x;
+    return truthMat(readReal(args, x) && Z_has(x, parms));
+}
+Matrix *C_bf(Matrix *args, Matrix **, PcNode *) {
+    return truthMat(args->length == 1 && everyElement(Element::C, args, theEmptyMat()));
+}
 Matrix *D_bf(Matrix *args, Matrix **, PcNode *) { return truthMat(isOne(args, L2::RS)); }
 Matrix *I_bf(Matrix *args, Matrix **, PcNode *) { return truthMat(isOne(args, L2::IS)); }
 Matrix *L_bf(Matrix *args, Matrix **, PcNode *) { return truthMat(isOne(args, L2::BIGINT)); }

@@ -138,8 +138,7 @@ static void addSettings() {
         {"disp_ndigits", ndigits, {"_disp_ndigits_domain", disp_ndigits_domain_bf, "x"}},
         {"disp_ndigits_scalar", ndigits, {"_disp_ndigits_scalar_domain", disp_ndigits_scalar_domain_bf, "x"}},
     };
-    for (const Setting &s : settings)
-        addGvWithDomain(findSymbolIndex(s.name), s.value, newBuiltin(s.domain));
+    for (const Setting &s : settings) addGvWithDomain(findSymbolIndex(s.name), s.value, newBuiltin(s.domain));
 }
 
 static void addConstant(const char *name, Matrix *value) { addBf(findSymbolIndex(name), value); }

@@ -9,6 +9,11 @@ namespace vesko {
 #include "builtins/builtins.def"
 #undef BF
 
+bool R_has(double x, Matrix *const *parms);
+bool Z_has(double x, Matrix *const *parms);
+bool C_has(double x, Matrix *const *parms);
+bool D_has(double x, Matrix *const *parms);
+
 extern const BfParm interval_parms[1];
 extern const BfParm length_parms[2];
 extern const BfParm log_parms[1];

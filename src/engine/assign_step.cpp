@@ -1,5 +1,6 @@
 // Increment and decrement of variables, before and after, and the post form of other targets.
 #include "engine/assign.h"
+#include "engine/domains.h"
 #include "engine/errors.h"
 #include "engine/frame.h"
 #include "engine/handlers.h"
@@ -72,12 +73,31 @@ bool soleHolder(const Matrix *m, uint32_t k) {
     return inTopLevel() && getCtVar(k)->value == m;
 }
 
+template <class Step>
+Matrix *stepPlainly(PcNode *node, Variable *var) {
+    Matrix *m = var->value;
+    if (m->nlinks() < 2 && isStepKind(m)) {
+        stepInPlace<Step>(m);
+        return m;
+    }
+    return replaceMat(var->value, stepped<Step>(m, integerOne, node));
+}
+
+// What a step before must test, by the holders of the old value, is in the domain of a real scalar.
+template <class Step>
+bool stepsRealScalar(const Variable *var, bool sole) {
+    if (var->value->l1type != L1::RS) return false;
+    const double x = *var->value->rdata;
+    return hasRealQuickly(var->domain, sole ? x + Step::by : x);
+}
+
 // With a domain. What is tested is the new value if nobody else holds the old one, else the old value. A
 // refused real is set back by taking 1 off its first element, in the decrement too.
 template <class Step>
 Matrix *preStepInDomain(PcNode *node, Variable *var) {
     Matrix *old = var->value;
     bool sole = soleHolder(old, node->value);
+    if (stepsRealScalar<Step>(var, sole)) return stepPlainly<Step>(node, var);
     Matrix *result = stepped<Step>(old, integerOne, node);
     const uint32_t first_pin = pinCount();
     pinMat(old);
@@ -96,19 +116,12 @@ Matrix *preStepInDomain(PcNode *node, Variable *var) {
 template <class Step>
 Matrix *preStep(PcNode *node) {
     Variable *var = getVar(node->value);
-    if (var->domain) return preStepInDomain<Step>(node, var);
-    Matrix *m = var->value;
-    if (m->nlinks() < 2 && isStepKind(m)) {
-        stepInPlace<Step>(m);
-        return m;
-    }
-    return replaceMat(var->value, stepped<Step>(m, integerOne, node));
+    return var->domain ? preStepInDomain<Step>(node, var) : stepPlainly<Step>(node, var);
 }
 
 // The value tested is the one before the step: a step can leave the domain, and the next one is refused.
 Matrix *postStepInDomain(PcNode *node, Variable *var, Matrix *fresh) {
-    Matrix *old = var->value;
-    pinMat(old);
+    Matrix *old = pinMat(var->value);
     if (!memberOfSet(old, var->domain, node)) error_asgn_justify(node);
     replaceMat(var->value, fresh);
     return unpinMat();
@@ -120,7 +133,8 @@ Matrix *postStep(PcNode *node) {
     Variable *var = getVar(node->value);
     Matrix *old = var->value;
     Matrix *fresh = stepped<Step>(old, theTrueMat, node);
-    if (var->domain) return postStepInDomain(node, var, fresh);
+    const bool tested = old->l1type == L1::RS && var->domain && hasRealQuickly(var->domain, *old->rdata);
+    if (var->domain && !tested) return postStepInDomain(node, var, fresh);
     quickUpdVar(node->value, fresh);
     return detachMat(old);
 }

@@ -1,6 +1,7 @@
 // Assignment to variables: the plain store, and compound assignment with its forms for real scalars.
 #include "builtins/bfunc.h"
 #include "engine/assign.h"
+#include "engine/domains.h"
 #include "engine/errors.h"
 #include "engine/frame.h"
 #include "engine/handlers.h"
@@ -55,24 +56,26 @@ Matrix *compoundStore(PcNode *node, Matrix *operand) {
     return result;
 }
 
-// A real scalar that no domain confines takes another one without more ado.
-bool stepsRealScalar(const Variable *var, const Matrix *operand) {
-    return !var->domain && var->value->l1type == L1::RS && operand->l1type == L1::RS;
-}
-
-template <class Op>
-Matrix *stepRealScalar(Matrix *&slot, Matrix *operand) {
-    const double x = Op::apply(*slot->rdata, *operand->rdata);
+Matrix *storeRealScalar(Matrix *&slot, double x, Matrix *operand) {
     Matrix *target = unshare(slot);
     *target->rdata = x;
     releaseMat(operand);
     return target;
 }
 
+// A real scalar takes another one without more ado, where the domain of the variable has the result.
+template <class Op>
+Matrix *stepRealScalar(Variable *var, Matrix *operand) {
+    if (var->value->l1type != L1::RS || operand->l1type != L1::RS) return nullptr;
+    const double x = Op::apply(*var->value->rdata, *operand->rdata);
+    if (var->domain && !hasRealQuickly(var->domain, x)) return nullptr;
+    return storeRealScalar(var->value, x, operand);
+}
+
 template <InPlaceTable &table, class Op>
 Matrix *compoundAsgn(PcNode *node, Matrix *operand) {
     Variable *var = getVar(node->value);
-    if (stepsRealScalar(var, operand)) return stepRealScalar<Op>(var->value, operand);
+    if (Matrix *result = stepRealScalar<Op>(var, operand)) return result;
     return compoundStore<table>(node, operand);
 }
 
@@ -83,7 +86,7 @@ Matrix *scalarAsgn(PcNode *node, ExecFn general) {
     Matrix *operand = node->eval(0);
     Matrix *&slot = getVar(node->value)->value;
     if (operand->l1type != L1::RS || slot->l1type != L1::RS) return general(node);
-    return stepRealScalar<Op>(slot, operand);
+    return storeRealScalar(slot, Op::apply(*slot->rdata, *operand->rdata), operand);
 }
 
 }  // namespace

@@ -60,8 +60,11 @@ Matrix *initVarDomain_VV(PcNode *node) {
 }
 
 Matrix *doVarAsgnChkDomain(PcNode *node) {
-    Matrix *value = pinMat(node->eval(0));
+    Matrix *value = node->eval(0);
     Variable *var = getVar(node->value);
+    if (value->l1type == L1::RS && var->domain && hasRealQuickly(var->domain, *value->rdata))
+        return replaceMat(var->value, value);
+    pinMat(value);
     if (var->domain && !memberOfSet(value, var->domain, node)) error_asgn_justify(node);
     replaceMat(var->value, value);
     unpinMat();

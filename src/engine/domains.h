@@ -5,6 +5,10 @@
 
 namespace vesko {
 
+// Whether the domain has the real scalar, told at once and without code of the user's. False where
+// memberOfSet must decide.
+bool hasRealQuickly(const Matrix *domain, double x);
+
 // Text of a numbered domain in the messages of built-in functions.
 const char *domain_name_to_str(unsigned number);
 

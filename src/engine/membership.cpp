@@ -4,6 +4,7 @@
 
 #include "builtins/bfunc.h"
 #include "engine/calls.h"
+#include "engine/domains.h"
 #include "engine/errors.h"
 #include "engine/handlers.h"
 #include "engine/interrupt.h"
@@ -93,6 +94,11 @@ bool isTrueResult(Matrix *result) {
     return truth;
 }
 
+bool builtinHasReal(const Matrix *builtin, double x) {
+    const Bfunc *bf = builtin->builtin();
+    return bf->row && bf->row->hasReal && bf->row->hasReal(x, bf->parms());
+}
+
 Matrix *predicateValue(Matrix *predicate, Matrix *value, PcNode *node) {
     if (predicate->l2type == L2::BF) return callBf(predicate->builtin(), value, node);
     if (isList(value->l2type)) return callUfByList(predicate->func(), value, node);
@@ -128,6 +134,22 @@ uint32_t inGlobal(Matrix *value, const Matrix *reference, PcNode *node) {
 }
 
 }  // namespace
+
+bool hasRealQuickly(const Matrix *domain, double x) {
+    switch (domain->l2type) {
+        case L2::COMPLETE: return true;
+        case L2::BF: return builtinHasReal(domain, x);
+        case L2::ITV: return domain->nrows && inFirstInterval(x, domain);
+        case L2::IM:
+        case L2::IS:
+        case L2::RNG:
+        case L2::RM:
+        case L2::RS:
+        case L2::BY:
+        case L2::BI: return positionOfNumber(x, domain);
+        default: return false;
+    }
+}
 
 uint32_t memberOfSet(Matrix *value, Matrix *domain, PcNode *node) {
     guardStack();

@@ -150,7 +150,7 @@ static bool foldIntoCompound(PcNode *node, const CtVar *var) {
     if (!var->isFree() && !is_ds_node(operand)) return false;
     setPcCub(node, 0, operand);
     setOpr(node, op);
-    if (!first && var->isFree()) node->exec = addAsgnBefore;
+    if (!first && var->domain != Class_D) node->exec = addAsgnBefore;
     return true;
 }
 
