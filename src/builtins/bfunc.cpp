@@ -9,6 +9,7 @@
 #include "engine/handlers.h"
 #include "engine/interrupt.h"
 #include "engine/node.h"
+#include "engine/pins.h"
 #include "frontend/symbols.h"
 #include "operators/dispatch.h"
 #include "values/audit.h"
@@ -196,27 +197,28 @@ void resetBfParm(Bfunc *bf, uint32_t field, Matrix *value, PcNode *node) {
 
 Matrix *callBf(Bfunc *bf, Matrix *args, PcNode *node) { return bf->func(args, bf->parms(), node); }
 
-// Evaluates the arguments, calls, and releases them; the result may be one of them.
-static Matrix *callWithArgs(Bfunc *bf, PcNode *node) {
+// Evaluates the arguments, calls, and releases them; the result may be one of them. What is no built-in is
+// multiplied with them.
+static Matrix *applyToArgs(Matrix *callee, PcNode *node) {
     Matrix *args = evalArgList(node);
-    Matrix *result = keepResult(callBf(bf, args, node));
+    Matrix *result =
+        callee->l2type == L2::BF ? callBf(callee->builtin(), args, node) : getMatProduct(callee, args, node);
+    keepResult(result);
     releaseMat(args);
     return passResult(result);
 }
 
-// A call through a global. A program may have given the name another value since it was compiled: then it is
-// the product of that value and the arguments, as in all such calls.
+// A call through a global. A program may have given the name another value since it was compiled, and may do
+// so in the call.
 Matrix *doBFCall(PcNode *node) {
-    Matrix *callee = getGv(static_cast<uint32_t>(node->value));
-    if (callee->l2type == L2::BF) return callWithArgs(callee->builtin(), node);
-    Matrix *args = evalArgList(node);
-    Matrix *result = keepResult(getMatProduct(callee, args, node));
-    releaseMat(args);
+    Matrix *callee = pinMat(getGv(static_cast<uint32_t>(node->value)));
+    Matrix *result = keepResult(applyToArgs(callee, node));
+    releaseMat(unpinMat());
     return passResult(result);
 }
 
 // A call of an entry of the table.
-Matrix *doBuiltFCall(PcNode *node) { return callWithArgs(getBuiltinF(node)->builtin(), node); }
+Matrix *doBuiltFCall(PcNode *node) { return applyToArgs(getBuiltinF(node), node); }
 
 // Place of the named argument among those written, or not_found.
 static uint32_t findNamed(const PcNode *list, uint32_t symbol) {

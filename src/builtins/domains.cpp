@@ -3,6 +3,7 @@
 
 #include "builtins/domain_family.h"
 #include "builtins/workers.h"
+#include "engine/pins.h"
 #include "operators/dispatch.h"
 #include "values/convert.h"
 #include "values/elements.h"
@@ -157,13 +158,22 @@ Matrix *string_bf(Matrix *args, Matrix **parms, PcNode *node) {
                     isMember(args, parms[1], node));
 }
 
-// The null value counts as one element.
+static bool isEveryEntryMember(const Matrix *list, Matrix *domain, PcNode *node) {
+    for (uint32_t i = 0; i < list->length; i++)
+        if (!isMember(list->entries()[i], domain, node)) return false;
+    return true;
+}
+
+// The null value counts as one element. The list and the domain are held while a predicate runs.
 Matrix *list_bf(Matrix *args, Matrix **parms, PcNode *node) {
     if (args->l2type == L2::NUL) return truthMat(hasLength(parms[0], 1) && isMember(args, parms[1], node));
     if (!isList(args->l2type) || !hasLength(parms[0], args->length)) return theFalseMat();
-    for (uint32_t i = 0; i < args->length; i++)
-        if (!isMember(args->entries()[i], parms[1], node)) return theFalseMat();
-    return theTrueMat();
+    Matrix *domain = pinMat(parms[1]);
+    pinMat(args);
+    const bool good = isEveryEntryMember(args, domain, node);
+    unpinMat();
+    releaseMat(unpinMat());
+    return truthMat(good);
 }
 
 }  // namespace vesko
