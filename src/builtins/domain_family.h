@@ -5,7 +5,8 @@
 
 namespace vesko {
 
-// Reals, whole numbers, numbers with complex ones; then values of one kind: doubles, integers, bytes, complex.
+// Reals, whole numbers, numbers with complex ones; then values of one kind: doubles, integers, bytes,
+// complex.
 enum class Element { R, Z, C, D, I, B, DC };
 
 enum class Form { Vector, Square, Column, Row, Matrix };
@@ -46,15 +47,15 @@ constexpr BfRow domainRow(const char *name) {
 
 // The rows of a family, but for the scalar domain that leads it.
 #define DOMAIN_ROW(class_, suffix, ...) domainRow<Element::class_, Shape{__VA_ARGS__}>("_" #class_ suffix)
-#define DOMAIN_ROWS(class_)                                                                         \
-    DOMAIN_ROW(class_, "2", Form::Vector, 2), DOMAIN_ROW(class_, "3", Form::Vector, 3),                \
-        DOMAIN_ROW(class_, "4", Form::Vector, 4), DOMAIN_ROW(class_, "n", Form::Vector),               \
-        DOMAIN_ROW(class_, "22", Form::Square, 2), DOMAIN_ROW(class_, "33", Form::Square, 3),          \
-        DOMAIN_ROW(class_, "44", Form::Square, 4), DOMAIN_ROW(class_, "nn", Form::Square),             \
-        DOMAIN_ROW(class_, "21", Form::Column, 2), DOMAIN_ROW(class_, "31", Form::Column, 3),          \
-        DOMAIN_ROW(class_, "41", Form::Column, 4), DOMAIN_ROW(class_, "n1", Form::Column),             \
-        DOMAIN_ROW(class_, "12", Form::Row, 2), DOMAIN_ROW(class_, "13", Form::Row, 3),                \
-        DOMAIN_ROW(class_, "14", Form::Row, 4), DOMAIN_ROW(class_, "1n", Form::Row),                   \
+#define DOMAIN_ROWS(class_)                                                                   \
+    DOMAIN_ROW(class_, "2", Form::Vector, 2), DOMAIN_ROW(class_, "3", Form::Vector, 3),       \
+        DOMAIN_ROW(class_, "4", Form::Vector, 4), DOMAIN_ROW(class_, "n", Form::Vector),      \
+        DOMAIN_ROW(class_, "22", Form::Square, 2), DOMAIN_ROW(class_, "33", Form::Square, 3), \
+        DOMAIN_ROW(class_, "44", Form::Square, 4), DOMAIN_ROW(class_, "nn", Form::Square),    \
+        DOMAIN_ROW(class_, "21", Form::Column, 2), DOMAIN_ROW(class_, "31", Form::Column, 3), \
+        DOMAIN_ROW(class_, "41", Form::Column, 4), DOMAIN_ROW(class_, "n1", Form::Column),    \
+        DOMAIN_ROW(class_, "12", Form::Row, 2), DOMAIN_ROW(class_, "13", Form::Row, 3),       \
+        DOMAIN_ROW(class_, "14", Form::Row, 4), DOMAIN_ROW(class_, "1n", Form::Row),          \
         DOMAIN_ROW(class_, "mn", Form::Matrix),
 
 }  // namespace vesko
