@@ -392,6 +392,240 @@ for i = 1, 200 do
 end
 r = s
 """),
+    **both("hash1000", """
+h = {default => 0};
+for k = 1:300
+    for i = 1:1000
+        h@i += k;
+    end
+end
+s = 0;
+for i = 1:1000
+    s += h@i;
+end
+r = s;
+""", """
+h = {}
+for k in range(1, 301):
+    for i in range(1, 1001):
+        h[i] = h.get(i, 0) + k
+s = 0
+for i in range(1, 1001):
+    s += h[i]
+r = s
+""", """
+local h = {}
+for k = 1, 300 do
+    for i = 1, 1000 do
+        h[i] = (h[i] or 0) + k
+    end
+end
+local s = 0
+for i = 1, 1000 do
+    s = s + h[i]
+end
+r = s
+"""),
+    **both("set1000", """
+n = 0;
+for k = 1:100
+    s = {};
+    for i = 1:1000
+        s.add(i);
+    end
+    for i = 1:2000
+        if i (- s
+            n += 1;
+        end
+    end
+end
+r = n;
+""", """
+n = 0
+for k in range(100):
+    s = set()
+    for i in range(1, 1001):
+        s.add(i)
+    for i in range(1, 2001):
+        if i in s:
+            n += 1
+r = n
+""", """
+local n = 0
+for k = 1, 100 do
+    local s = {}
+    for i = 1, 1000 do
+        s[i] = true
+    end
+    for i = 1, 2000 do
+        if s[i] then
+            n = n + 1
+        end
+    end
+end
+r = n
+"""),
+    **both("domain", """
+x = 0 in _R;
+y = 0 in (-1 to 1e13);
+for i = 1:1000000
+    x += 2;
+    y = y + x;
+    y = i;
+end
+r = x + y;
+""", """
+def real(v):
+    if not isinstance(v, (int, float)):
+        raise TypeError
+    return v
+def inside(v):
+    if not -1 <= v <= 1e13:
+        raise ValueError
+    return v
+x = real(0)
+y = inside(0)
+for i in range(1, 1000001):
+    x = real(x + 2)
+    y = inside(y + x)
+    y = inside(i)
+r = x + y
+""", """
+local function real(v)
+    if type(v) ~= "number" then error("type") end
+    return v
+end
+local function inside(v)
+    if v < -1 or v > 1e13 then error("value") end
+    return v
+end
+local x = real(0)
+local y = inside(0)
+for i = 1, 1000000 do
+    x = real(x + 2)
+    y = inside(y + x)
+    y = inside(i)
+end
+r = x + y
+"""),
+    "object": {
+        "vesko": """
+Counter = class
+    n = 0
+    common step = function k -> r
+        parent.n += k;
+        r = parent.n;
+    end
+end;
+c = Counter.new();
+s = 0;
+for i = 1:300000
+    c.n += 1;
+    s += c.step(2);
+end
+s
+""",
+        "lua": """
+local Counter = {}
+Counter.__index = Counter
+function Counter.new() return setmetatable({n = 0}, Counter) end
+function Counter:step(k)
+    self.n = self.n + k
+    return self.n
+end
+local c = Counter.new()
+local s = 0
+for i = 1, 300000 do
+    c.n = c.n + 1
+    s = s + c:step(2)
+end
+print(s)
+""",
+        "python": """
+class Counter:
+    def __init__(self):
+        self.n = 0
+    def step(self, k):
+        self.n += k
+        return self.n
+c = Counter()
+s = 0
+for i in range(300000):
+    c.n += 1
+    s += c.step(2)
+print(s)
+""",
+    },
+    "automaton": {
+        "vesko": """
+source = automaton
+    n = 0;
+    while 1
+        n += 1;
+        stop
+    end
+end;
+for i = 1:500000
+    source.run();
+end
+500000
+""",
+        "lua": """
+local source = coroutine.create(function()
+    local n = 0
+    while true do
+        n = n + 1
+        coroutine.yield()
+    end
+end)
+for i = 1, 500000 do
+    coroutine.resume(source)
+end
+print(500000)
+""",
+        "python": """
+def make():
+    n = 0
+    while True:
+        n += 1
+        yield
+source = make()
+for i in range(500000):
+    next(source)
+print(500000)
+""",
+    },
+    "sort": {
+        "vesko": """
+x = [1:999999, 1000000] * 7919 % 1000003;
+for 5
+    y = sort(x);
+end
+y[500000]
+""",
+        "numpy": """
+import numpy as np
+x = np.arange(1.0, 1000001.0) * 7919 % 1000003
+for _ in range(5):
+    y = np.sort(x)
+print(y[499999])
+""",
+        "c++": """
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <vector>
+int main() {
+    std::vector<double> x, y;
+    for (int i = 1; i <= 1000000; i++) x.push_back(std::fmod(i * 7919.0, 1000003));
+    for (int k = 0; k < 5; k++) {
+        y = x;
+        std::sort(y.begin(), y.end());
+    }
+    std::printf("%g\\n", y[499999]);
+}
+""",
+    },
     "patterns": patterns(),
     "lines": {
         "prepare": write_lines,

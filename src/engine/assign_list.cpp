@@ -8,7 +8,9 @@
 #include "operators/growth.h"
 #include "operators/index.h"
 #include "operators/index_walk.h"
+#include "operators/operands.h"
 #include "values/containers.h"
+#include "values/convert.h"
 
 namespace vesko {
 
@@ -62,6 +64,15 @@ hashtable *tableIn(Matrix *&slot) {
     return slot->l2type == L2::HASH ? slot->table() : nullptr;
 }
 
+void storeUnderKey(hashtable *table, Matrix *key, Matrix *value, const PcNode *entry) {
+    if (!isCounterKey(entry))
+        addHashData(table, key, value);
+    else if (hashnode *known = findHashNode(table, key))
+        replaceMat(known->data, value);
+    else
+        addHashData(table, cloneMatrix(key), value);
+}
+
 void storeByFieldName(Matrix *object, const Matrix *key, Matrix *value, PcNode *node) {
     if (key->l2type != L2::TX) error_obj_asgn_key_not_str(node);
     const uint32_t field = rtFindFieldIndexByStr(key->text());
@@ -91,10 +102,15 @@ Matrix *doHashAsgn(PcNode *node) {
     PcNode *entry = node->child(0);
     Target target = openTarget(entry->child(0));
     Matrix *value = pinMat(node->eval(1));
-    Matrix *key = pinMat(entry->eval(1));
+    Matrix *key = pinMat(evalKey(entry));
+    Matrix **plain = plainSlot(target);
+    if (plain && (*plain)->l2type == L2::HASH && (*plain)->nlinks() < 2) {
+        storeUnderKey((*plain)->table(), key, value, entry);
+        return storedQuickly(target, value);
+    }
     Matrix *m = uniquelize(target);
     if (hashtable *table = tableIn(*target.slot))
-        addHashData(table, key, value);
+        storeUnderKey(table, key, value, entry);
     else if (m->l2type == L2::OBJ)
         storeByFieldName(pinMat(m), key, value, node);
     else

@@ -77,7 +77,7 @@ Matrix *getListEntry(PcNode *node) {
 
 Matrix *getHashEntry(PcNode *node) {
     Matrix *m = pinMat(node->eval(0));
-    Matrix *key = node->eval(1);
+    Matrix *key = evalKey(node);
     Matrix *result = nullptr;
     if (m->l2type == L2::HASH)
         result = findHashData(m->table(), key);

@@ -23,6 +23,13 @@ inline Matrix *peekLeaf(const PcNode *node) {
     return node->isConstant() ? node->constant : nullptr;
 }
 
+// The key of a table's entry. A running loop counter is read where it stands: who keeps it makes a copy.
+inline bool isCounterKey(const PcNode *entry) { return entry->child(1)->kind == NodeKind::CopyVar; }
+inline Matrix *evalKey(PcNode *entry) {
+    PcNode *key = entry->child(1);
+    return isCounterKey(entry) ? getVarMat(static_cast<uint32_t>(key->value)) : key->exec(key);
+}
+
 // Both children are leaves that hold real scalars: the case to answer without any call.
 inline bool peekRealScalars(const PcNode *left, const PcNode *right, double &x, double &y) {
     const Matrix *a = peekLeaf(left);

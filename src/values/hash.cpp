@@ -1,5 +1,6 @@
 // Hash tables and sets: 67 chains, and a vector of the nodes in order of insertion. The chains stay as they
-// are, since they tell which keys can be removed; keys of larger tables are found through an index that grows.
+// are, since they tell which keys can be removed; keys of larger tables are found through an index that
+// grows.
 #include <bit>
 #include <cassert>
 #include <cstring>
@@ -42,13 +43,16 @@ static uint32_t hashMatrix(const Matrix *m, const T *data) {
     return step(step(hashRun(0, data, m->length), m->nrows), m->ncols);
 }
 
-// Over the bytes: so 1.0 and the integer 1 have different codes, and are two keys.
+// Over the bytes: so 1.0 and the integer 1 have different codes, and are two keys. The terms of the
+// polynomial do not wait for each other.
 static uint32_t hashReal(double x) {
     constexpr uint32_t nan_code = 7815;
     if (x != x) return nan_code;
-    uint8_t bytes[sizeof x];
-    std::memcpy(bytes, &x, sizeof x);
-    return hashRun(0, bytes, sizeof x);
+    const auto bits = std::bit_cast<uint64_t>(x);
+    uint32_t h = 0, power = 1;
+    for (int shift = 56; shift >= 0; shift -= 8, power *= 31)
+        h += static_cast<uint8_t>(bits >> shift) * power;
+    return h;
 }
 
 static uint32_t hashName(const char *name) {
@@ -56,20 +60,24 @@ static uint32_t hashName(const char *name) {
     return hashRun(builtin_seed, name, static_cast<uint32_t>(std::strlen(name)));
 }
 
-uint32_t getMatHashCode(const Matrix *m) {
+static uint32_t hashList(const Matrix *m) {
     guardStack();
+    return step(hashRun(0, m->entries(), m->length), m->length);
+}
+
+uint32_t getMatHashCode(const Matrix *m) {
+    if (m->l2type == L2::RS) return hashReal(m->rdata[0]);
     switch (m->l2type) {
         case L2::IM:
         case L2::IS: return hashMatrix(m, m->ints());
         case L2::RM:
         case L2::RMDM: return hashMatrix(m, m->rdata);
-        case L2::RS: return hashReal(m->rdata[0]);
         case L2::BY:
         case L2::BI: return hashMatrix(m, m->bytes());
         case L2::CS:
         case L2::CM: return step(getMatHashCode(m->re()), getMatHashCode(m->im()));
         case L2::CMDM: return step(hashMatrix(m, m->rdata), hashMatrix(m, m->rdata + m->length));
-        case L2::LS: return step(hashRun(0, m->entries(), m->length), m->length);
+        case L2::LS: return hashList(m);
         case L2::BF: return hashName(getSymbolName(m->builtin()->name));
         case L2::TX: return hashRun(0, m->text(), m->length);
         default: return index(m->l2type);
