@@ -111,8 +111,18 @@ static void forEachLive(F f) {
     });
 }
 
+static void auditTable(const hashtable *t) {
+    auditLink(t->dflt);
+    for (uint32_t i = 0; i < t->count(); i++) {
+        auditLink(t->node(i)->key);
+        auditLink(t->node(i)->data);
+    }
+}
+
 static void walkAll() {
     seen.clear();
+    walked = "unfinished table";
+    if (unfinished_table) auditTable(unfinished_table);
     for (unsigned k = 0; k < n_holders; k++) {
         walked = holders[k].name;
         holders[k].walk();
@@ -149,15 +159,6 @@ static void walkLinkedNodes(const xlistnode *n) {
     for (; n; n = n->next) auditLink(n->value);
 }
 
-static void walkTable(const Matrix *m) {
-    const hashtable *t = m->table();
-    auditLink(t->dflt);
-    for (uint32_t i = 0; i < t->count(); i++) {
-        auditLink(t->node(i)->key);
-        auditLink(t->node(i)->data);
-    }
-}
-
 static void walkEntries(const Matrix *m) {
     for (uint32_t i = 0; i < m->length; i++) auditLink(m->entries()[i]);
 }
@@ -165,7 +166,7 @@ static void walkEntries(const Matrix *m) {
 // Payloads that the values themselves know.
 static void setOwnWalks() {
     for (L2 t : {L2::LS, L2::VL}) setPayloadWalk(t, walkEntries);
-    for (L2 t : {L2::HASH, L2::FSET}) setPayloadWalk(t, walkTable);
+    for (L2 t : {L2::HASH, L2::FSET}) setPayloadWalk(t, [](const Matrix *m) { auditTable(m->table()); });
     for (L2 t : {L2::PTR, L2::PTRSET}) setPayloadWalk(t, [](const Matrix *m) { auditLink(m->target()); });
     for (L2 t : {L2::CS, L2::CM})
         setPayloadWalk(t, [](const Matrix *m) {

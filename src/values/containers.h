@@ -49,8 +49,8 @@ Matrix *makeTriMatVec(Matrix *a, Matrix *b, Matrix *c);
 Matrix *makeQuadMatVec(Matrix *a, Matrix *b, Matrix *c, Matrix *d);
 void print_vector_list_sizes();
 
-// ---- Hash tables. 67 buckets, a node vector in order of insertion, a default value; a table of many keys has
-// an index too, in which they are found.
+// ---- Hash tables. 67 buckets, a node vector in order of insertion, a default value; a table of many keys
+// has an index too, in which they are found.
 struct hashnode {
     uint32_t index;  // place in the node vector
     uint32_t code;
@@ -72,6 +72,9 @@ using xset = hashtable;  // a set is a table whose data are all theTrueMat
 
 hashtable *newHashTable(uint32_t n);
 void freeHashTable(hashtable *t);
+// The table that is being filled from others and has no owner yet. One whose filling was broken off goes when
+// the next is begun.
+extern hashtable *unfinished_table;
 hashtable *copyHashTable(const hashtable *t);  // shares keys and values by link; the default is not copied
 void addHashData(hashtable *t, Matrix *key, Matrix *value);
 bool removeHashKey(hashtable *t, Matrix *key);  // removes only a key that stands first in its chain

@@ -196,13 +196,29 @@ void freeHashTable(hashtable *t) {
     freeInterrupt();
 }
 
+hashtable *unfinished_table;
+
+static hashtable *beginTable(uint32_t n) {
+    if (hashtable *broken_off = unfinished_table) {
+        unfinished_table = nullptr;
+        freeHashTable(broken_off);
+    }
+    return unfinished_table = newHashTable(n);
+}
+
+static hashtable *finishTable() {
+    hashtable *t = unfinished_table;
+    unfinished_table = nullptr;
+    return t;
+}
+
 hashtable *copyHashTable(const hashtable *t) {
-    hashtable *copy = newHashTable(t->count());
+    hashtable *copy = beginTable(t->count());
     for (uint32_t i = 0; i < t->count(); i++) {
         const hashnode *n = t->node(i);
         addNode(copy, n->code, n->key, n->data);
     }
-    return copy;
+    return finishTable();
 }
 
 void addHashData(hashtable *t, Matrix *key, Matrix *value) {
@@ -287,26 +303,26 @@ static void forEachMember(const xset *s, F f) {
 }
 
 xset *makeSetUnion(const xset *a, const xset *b) {
-    xset *s = newXSet();
+    xset *s = beginTable(1);
     forEachMember(a, [s](Matrix *m) { qAddSetMember(s, m); });
     forEachMember(b, [s](Matrix *m) { addSetMember(s, m); });
-    return s;
+    return finishTable();
 }
 
 xset *makeSetIntersection(const xset *a, const xset *b) {
-    xset *s = newXSet();
+    xset *s = beginTable(1);
     forEachMember(a, [s, b](Matrix *m) {
         if (Matrix *found = findSetMember(b, m)) qAddSetMember(s, found);
     });
-    return s;
+    return finishTable();
 }
 
 xset *makeSetDiff(const xset *a, const xset *b) {
-    xset *s = newXSet();
+    xset *s = beginTable(1);
     forEachMember(a, [s, b](Matrix *m) {
         if (!findSetMember(b, m)) qAddSetMember(s, m);
     });
-    return s;
+    return finishTable();
 }
 
 static bool isWithin(const xset *a, const xset *b) {
