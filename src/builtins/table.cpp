@@ -5,9 +5,9 @@
 #include <initializer_list>
 #include <limits>
 
+#include "builtins/domain_family.h"
 #include "builtins/regexp_match.h"
 #include "builtins/sort.h"
-#include "builtins/domain_family.h"
 #include "builtins/workers.h"
 #include "engine/errors.h"
 #include "engine/frame.h"
