@@ -556,45 +556,6 @@ for i in range(300000):
 print(s)
 """,
     },
-    "automaton": {
-        "vesko": """
-source = automaton
-    n = 0;
-    while 1
-        n += 1;
-        stop
-    end
-end;
-for i = 1:500000
-    source.run();
-end
-500000
-""",
-        "lua": """
-local source = coroutine.create(function()
-    local n = 0
-    while true do
-        n = n + 1
-        coroutine.yield()
-    end
-end)
-for i = 1, 500000 do
-    coroutine.resume(source)
-end
-print(500000)
-""",
-        "python": """
-def make():
-    n = 0
-    while True:
-        n += 1
-        yield
-source = make()
-for i in range(500000):
-    next(source)
-print(500000)
-""",
-    },
     "sort": {
         "vesko": """
 x = [1:999999, 1000000] * 7919 % 1000003;
