@@ -190,6 +190,10 @@ class Window(Case):
         s.ends_with(">> chmode", ">>")
         s.keys("Up", "Up", "Up", "Up", "Up", "BSpace").type("5", "")
         s.wait(lambda lines: lines[:3] == [">> a = 5", "    5", ">>"])
+        s.type("chmode", "")
+        s.shows(">> a = 5", "    5", ">> chmode", ">> b = a + 1", "    2", ">> chmode", ">>")
+        s.type("a", "")
+        s.ends_with(">> a", "    5", ">>")
 
     def test_a_program_asks_for_a_line(self):
         s = self.screen()

@@ -105,7 +105,11 @@ void endBySignal(int signal) {
     raise(signal);
 }
 
+// The handler must run even where the machine stack is at its end.
 void installEndings() {
+    static char stack[65536];
+    const stack_t spare = {stack, 0, sizeof stack};
+    sigaltstack(&spare, nullptr);
     for (int signal : {SIGTERM, SIGHUP, SIGQUIT, SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT}) {
         struct sigaction action = {};
         action.sa_handler = endBySignal;

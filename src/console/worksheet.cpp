@@ -168,7 +168,19 @@ void clearWindow() {
 static int cwmode = command_mode;
 
 int getcwmode() { return cwmode; }
-void reset_cwmode(int mode) { cwmode = mode >= 0 ? mode : 1 - cwmode; }
+
+// Back in command mode the next prompt stands at the end of the list.
+void reset_cwmode(int mode) {
+    const int before = cwmode;
+    cwmode = mode >= 0 ? mode : command_mode + worksheet_mode - cwmode;
+    if (before != worksheet_mode || cwmode != command_mode) return;
+    if (Vsline *line = vscr.current; line != vscr.tail && line->isBlankCommand()) {
+        leaveCommand(line);
+        saveVsLine(line, line);
+    }
+    vscr.current = vscr.tail;
+    vscr.cursorx = vscr.tail->length;
+}
 
 // ---- The current command
 

@@ -39,7 +39,6 @@ struct Worksheet {
     Vsline *cmdfirst, *cmdlast;  // the command being entered
     Vsline *readline;            // where getChar reads
     uint32_t readpos;
-    uint32_t topindex;
     bool ready;  // a complete command line has been entered and is being read
     bool edited;
     uint32_t cursorx, cursory;
