@@ -1,7 +1,10 @@
 // Conversion, cloning and the reading of numbers, over every representation of a value.
 #include "values/convert.h"
 
+#include <gmock/gmock.h>
+
 #include <cmath>
+#include <numeric>
 
 #include "house.h"
 #include "values/containers.h"
@@ -10,6 +13,8 @@
 
 namespace vesko {
 namespace {
+
+using testing::ElementsAre;
 
 class Converting : public House {};
 
@@ -36,24 +41,20 @@ std::vector<Matrix *> threeNumbers() {
     return {realRow({3, 5, 7}), ints, newRngMat(1, 3, 3, 2), byteRow({3, 5, 7})};
 }
 
-TEST_F(Converting, EveryDenseKindBecomesTheSameReals) {
+TEST_F(Converting, EveryDenseKindBecomesTheSameNumbers) {
     for (Matrix *m : threeNumbers()) {
-        Matrix *real = convToDb(m);
-        EXPECT_EQ(real->l2type, L2::RM);
-        for (uint32_t k = 0; k < 3; k++) EXPECT_EQ(real->rdata[k], 3 + 2.0 * k);
-    }
-}
-
-TEST_F(Converting, EveryDenseKindBecomesTheSameIntegers) {
-    for (Matrix *m : threeNumbers()) {
-        Matrix *ints = convToIntMat(m);
-        EXPECT_EQ(ints->l2type, L2::IM);
-        for (int k = 0; k < 3; k++) EXPECT_EQ(ints->ints()[k], 3 + 2 * k);
+        Matrix *real = convToDb(m), *ints = convToIntMat(m), *complex = convToCM(m);
+        EXPECT_TRUE(real->l2type == L2::RM && ints->l2type == L2::IM && complex->l2type == L2::CM);
+        for (int k = 0; k < 3; k++) {
+            EXPECT_EQ(real->rdata[k], 3 + 2.0 * k);
+            EXPECT_EQ(ints->ints()[k], 3 + 2 * k);
+            EXPECT_EQ(complex->re()->rdata[k], 3 + 2.0 * k);
+            EXPECT_EQ(complex->im()->rdata[k], 0);
+        }
     }
 }
 
 TEST_F(Converting, OneElementBecomesAScalar) {
-    EXPECT_EQ(convToDb(newIntScalarMat(4))->l2type, L2::RS);
     EXPECT_EQ(convToDb(newByteScalarMat(4))->l2type, L2::RS);
     EXPECT_EQ(convToIntMat(newRealScalarMat(4))->l2type, L2::IS);
     EXPECT_EQ(convToCM(newByteScalarMat(4))->l2type, L2::CS);
@@ -68,23 +69,13 @@ TEST_F(Converting, StructuredStorageIsReadAsItLies) {
     EXPECT_ABORT(convToIntMat(upper));
 }
 
-TEST_F(Converting, RealsAreTruncatedTowardZeroAndSaturate) {
+TEST_F(Converting, RealsAreTruncatedAndSaturateOrWrap) {
     Matrix *ints = convToIntMat(realRow({2.9, -2.9, 1e300, -1e300, std::nan("")}));
-    const int32_t expected[] = {2, -2, INT32_MAX, INT32_MIN, 0};
-    for (int k = 0; k < 5; k++) EXPECT_EQ(ints->ints()[k], expected[k]);
-}
-
-TEST_F(Converting, BytesKeepTheLowEightBits) {
     Matrix *bytes = convToByteMat(realRow({255.9, 256, 300, -1}));
-    const uint8_t expected[] = {255, 0, 44, 255};
-    for (int k = 0; k < 4; k++) EXPECT_EQ(bytes->bytes()[k], expected[k]);
-}
-
-TEST_F(Converting, BitsAreOneForAllButZero) {
     Matrix *bits = convToBinaryMat(realRow({0, 0.5, -3, 0.0}));
-    const uint8_t expected[] = {0, 1, 1, 0};
-    EXPECT_EQ(bits->l2type, L2::BI);
-    for (int k = 0; k < 4; k++) EXPECT_EQ(bits->bytes()[k], expected[k]);
+    EXPECT_THAT(std::vector(ints->ints(), ints->ints() + 5), ElementsAre(2, -2, INT32_MAX, INT32_MIN, 0));
+    EXPECT_THAT(std::vector(bytes->bytes(), bytes->bytes() + 4), ElementsAre(255, 0, 44, 255));
+    EXPECT_THAT(std::vector(bits->bytes(), bits->bytes() + 4), ElementsAre(0, 1, 1, 0));
 }
 
 TEST_F(Converting, BytesAndBitsComeFromRealsAndTextsOnly) {
@@ -118,15 +109,6 @@ TEST_F(Converting, WhatIsNoNumberIsRefused) {
     EXPECT_ABORT(convToCM(textOf("1")));
 }
 
-TEST_F(Converting, ComplexOfRealsHasNoImaginaryPart) {
-    for (Matrix *m : threeNumbers()) {
-        Matrix *complex = convToCM(m);
-        EXPECT_EQ(complex->l2type, L2::CM);
-        EXPECT_EQ(complex->re()->rdata[2], 7);
-        EXPECT_EQ(complex->im()->rdata[2], 0);
-    }
-}
-
 TEST_F(Converting, NumbersBecomeTexts) {
     EXPECT_EQ(stringOf(convToString(newIntScalarMat(INT32_MIN))), "-2147483648");
     EXPECT_EQ(stringOf(convToString(newRealScalarMat(-1.23456789e-300))), "-1.23457e-300");
@@ -147,17 +129,13 @@ TEST_F(Converting, WhatHasNoTextYieldsOneNulOrTheEmptyValue) {
 
 // ---- Numbers out of values
 
-TEST_F(Converting, NumbersAreReadFromEveryKindOfOneElement) {
+TEST_F(Converting, NumbersAreReadFromEveryKindOfOneElementAndFromNoOther) {
+    double x;
+    int32_t n;
     for (Matrix *m : {newRealScalarMat(7), newIntScalarMat(7), newByteScalarMat(7), newRngMat(1, 1, 7, 2)}) {
-        double x;
-        int32_t n;
         EXPECT_TRUE(extract_RS(m, x) && x == 7);
         EXPECT_TRUE(extract_integer(m, n) && n == 7);
     }
-}
-
-TEST_F(Converting, OtherValuesAreNoNumbers) {
-    double x;
     for (Matrix *m : {realRow({1, 2}), newCompScalarMat(1, 0), textOf("1"), theEmptyMat(), newListMat(1)})
         EXPECT_FALSE(extract_RS(m, x));
 }
@@ -238,20 +216,13 @@ TEST_F(Converting, MultidimensionalClonesKeepTheirExtents) {
     EXPECT_EQ(clone->rdata[3], 3);
 }
 
-TEST_F(Converting, CornersKeepTheRest) {
+TEST_F(Converting, CornersKeepTheRestAndRowsCanBeReversed) {
     Matrix *large = newZerosMat(2, 3), *small = newZerosMat(2, 2);
-    std::fill_n(small->rdata, 4, 7.0);
+    std::iota(small->rdata, small->rdata + 4, 1);
     copyRealMat(large, small);
-    const double expected[] = {7, 7, 0, 7, 7, 0};
-    for (int k = 0; k < 6; k++) EXPECT_EQ(large->rdata[k], expected[k]);
-}
-
-TEST_F(Converting, ReversedRows) {
-    Matrix *m = allocRealMat(4, 2, 2);
-    for (int k = 0; k < 4; k++) m->rdata[k] = k;
-    Matrix *reversed = cloneRM_rowreverse(m);
-    const double expected[] = {2, 3, 0, 1};
-    for (int k = 0; k < 4; k++) EXPECT_EQ(reversed->rdata[k], expected[k]);
+    Matrix *reversed = cloneRM_rowreverse(small);
+    EXPECT_THAT(std::vector(large->rdata, large->rdata + 6), ElementsAre(1, 2, 0, 3, 4, 0));
+    EXPECT_THAT(std::vector(reversed->rdata, reversed->rdata + 4), ElementsAre(3, 4, 1, 2));
 }
 
 }  // namespace

@@ -43,6 +43,15 @@ PcNode *indices(std::initializer_list<Matrix *> values) {
 }
 
 Matrix *run(PcNode *node) { return node->exec(node); }
+
+// Reads, or stores into, an element of many indices.
+PcNode *element(PcNode *of, std::initializer_list<Matrix *> at) {
+    return with(at.size() > 3 ? NodeKind::RefMd : NodeKind::Ref3, 0, {of, indices(at)});
+}
+PcNode *named(uint32_t variable) { return with(NodeKind::Variable, int32_t(variable), {}); }
+Matrix *store3(uint32_t variable, std::initializer_list<Matrix *> at, Matrix *value) {
+    return run(with(NodeKind::Ref3Asgn, 0, {element(named(variable), at), constant(value)}));
+}
 Matrix *real(double x) { return newRealScalarMat(x); }
 Matrix *range(uint32_t n) { return newRngMat(1, n, 1, 1); }
 
@@ -85,7 +94,7 @@ TEST_F(Indexing, OneBitStaysABitAndSeveralComeAsBytes) {
 
 TEST_F(Indexing, ABitKeepsTheLowBitOfWhatIsStored) {
     const uint32_t k = variable(bits({0, 0}));
-    PcNode *place = with(NodeKind::Ref, 0, {with(NodeKind::Variable, int32_t(k), {}), constant(real(4))});
+    PcNode *place = with(NodeKind::Ref, 0, {named(k), constant(real(4))});
     Matrix *m = run(with(NodeKind::RefAsgn, 0, {place, constant(real(7.9))}));
     ASSERT_EQ(m->l2type, L2::BI);
     ASSERT_EQ(m->length, 4u);
@@ -109,8 +118,7 @@ class Structured : public Indexing, public testing::WithParamInterface<Structure
 TEST_P(Structured, AStoreKeepsTheStructureWhereItCan) {
     const StructuredStore &s = GetParam();
     const uint32_t k = variable(s.make(3));
-    PcNode *place = with(NodeKind::Ref2, 0,
-                         {with(NodeKind::Variable, int32_t(k), {}), indices({real(s.row), real(s.col)})});
+    PcNode *place = with(NodeKind::Ref2, 0, {named(k), indices({real(s.row), real(s.col)})});
     Matrix *m = run(with(NodeKind::Ref2Asgn, 0, {place, constant(real(5))}));
     EXPECT_EQ(m->l2type, s.keeps ? s.kind : L2::RM);
     EXPECT_EQ(m->rdata[(s.row - 1) * m->ncols + s.col - 1], 5);
@@ -138,86 +146,48 @@ TEST_F(Indexing, ReadingDropsTheStructure) {
 
 // ---- Multidimensional matrices
 
-TEST_F(Indexing, SingleIndicesReadANumber) {
-    PcNode *node =
-        with(NodeKind::Ref3, 0, {constant(multidim({2, 3, 4})), indices({real(2), real(1), real(3)})});
-    Matrix *x = run(node);
-    ASSERT_EQ(x->l2type, L2::RS);
-    EXPECT_EQ(x->rdata[0], 15);
-}
-
-TEST_F(Indexing, TwoRunningIndicesReadAMatrix) {
-    PcNode *node =
-        with(NodeKind::Ref3, 0, {constant(multidim({2, 3, 4})), indices({real(2), range(2), range(3)})});
-    Matrix *m = run(node);
-    ASSERT_EQ(m->l2type, L2::RM);
-    EXPECT_EQ(m->nrows, 2u);
-    EXPECT_EQ(m->ncols, 3u);
-    EXPECT_EQ(m->rdata[0], 13);
-    EXPECT_EQ(m->rdata[5], 19);
-}
-
-TEST_F(Indexing, MoreRunningIndicesReadAMultidimensionalMatrix) {
-    PcNode *node = with(NodeKind::RefMd, 0,
-                        {constant(multidim({2, 2, 3, 2})), indices({range(2), real(2), range(3), range(2)})});
-    Matrix *m = run(node);
-    ASSERT_EQ(m->l2type, L2::RMDM);
-    EXPECT_EQ(m->length, 12u);
-    EXPECT_EQ(m->rdata[0], 7);
-    EXPECT_EQ(m->rdata[11], 24);
-}
-
-TEST_F(Indexing, AnIndexBeyondItsExtentIsRefused) {
-    PcNode *node =
-        with(NodeKind::Ref3, 0, {constant(multidim({2, 3, 4})), indices({real(3), real(1), real(1)})});
-    EXPECT_ABORT(run(node));
-    PcNode *few = with(NodeKind::Ref3, 0, {constant(multidim({2, 3})), indices({real(1), real(1), real(1)})});
-    EXPECT_ABORT(run(few));
+TEST_F(Indexing, RunningIndicesDecideOnTheKindOfTheRead) {
+    PcNode *cube = constant(multidim({2, 3, 4})), *four = constant(multidim({2, 2, 3, 2}));
+    Matrix *x = run(element(cube, {real(2), real(1), real(3)}));
+    EXPECT_TRUE(x->l2type == L2::RS && x->rdata[0] == 15);
+    Matrix *m = run(element(cube, {real(2), range(2), range(3)}));
+    EXPECT_TRUE(m->l2type == L2::RM && m->nrows == 2 && m->ncols == 3);
+    EXPECT_TRUE(m->rdata[0] == 13 && m->rdata[5] == 19);
+    Matrix *md = run(element(four, {range(2), real(2), range(3), range(2)}));
+    EXPECT_TRUE(md->l2type == L2::RMDM && md->length == 12 && md->rdata[0] == 7 && md->rdata[11] == 24);
+    EXPECT_ABORT(run(element(cube, {real(3), real(1), real(1)})));
+    EXPECT_ABORT(run(element(constant(multidim({2, 3})), {real(1), real(1), real(1)})));
 }
 
 TEST_F(Indexing, AMatrixIsStoredInASlice) {
     const uint32_t k = variable(multidim({2, 2, 3}));
-    PcNode *place = with(NodeKind::Ref3, 0,
-                         {with(NodeKind::Variable, int32_t(k), {}), indices({real(2), range(2), range(3)})});
-    Matrix *value = countingMatrix(2, 3);
-    run(with(NodeKind::Ref3Asgn, 0, {place, constant(value)}));
+    store3(k, {real(2), range(2), range(3)}, countingMatrix(2, 3));
     for (uint32_t e = 0; e < 6; e++) EXPECT_EQ(getVarMat(k)->rdata[6 + e], e + 1.0);
     EXPECT_EQ(getVarMat(k)->rdata[5], 6);
-    EXPECT_ABORT(run(with(NodeKind::Ref3Asgn, 0, {place, constant(countingMatrix(3, 2))})));
+    EXPECT_ABORT(store3(k, {real(2), range(2), range(3)}, countingMatrix(3, 2)));
 }
 
 TEST_F(Indexing, AComplexNumberMakesAMultidimensionalMatrixComplex) {
     const uint32_t k = variable(multidim({2, 2, 2}));
-    PcNode *place = with(NodeKind::Ref3, 0,
-                         {with(NodeKind::Variable, int32_t(k), {}), indices({real(1), real(1), real(2)})});
-    run(with(NodeKind::Ref3Asgn, 0, {place, constant(newCompScalarMat(3, 4))}));
+    store3(k, {real(1), real(1), real(2)}, newCompScalarMat(3, 4));
     const Matrix *m = getVarMat(k);
     ASSERT_EQ(m->l2type, L2::CMDM);
-    EXPECT_EQ(m->rdata[1], 3);
-    EXPECT_EQ(m->rdata[8 + 1], 4);
-    EXPECT_EQ(m->rdata[8], 0);
-    EXPECT_EQ(m->rdata[7], 8);
+    EXPECT_TRUE(m->rdata[1] == 3 && m->rdata[7] == 8 && m->rdata[8] == 0 && m->rdata[9] == 4);
 }
 
 TEST_F(Indexing, AnEmptyTargetGetsTheExtentsOfTheLargestIndices) {
     const uint32_t k = variable(theEmptyMat());
-    PcNode *place = with(NodeKind::Ref3, 0,
-                         {with(NodeKind::Variable, int32_t(k), {}), indices({real(2), real(1), real(3)})});
-    run(with(NodeKind::Ref3Asgn, 0, {place, constant(real(9))}));
+    store3(k, {real(2), real(1), real(3)}, real(9));
     const Matrix *m = getVarMat(k);
-    ASSERT_EQ(m->l2type, L2::RMDM);
-    ASSERT_EQ(m->length, 6u);
-    EXPECT_EQ(m->rdata[5], 9);
-    EXPECT_EQ(m->rdata[0], 0);
+    ASSERT_TRUE(m->l2type == L2::RMDM && m->length == 6);
+    EXPECT_TRUE(m->rdata[5] == 9 && m->rdata[0] == 0);
 }
 
 TEST_F(Indexing, ASharedMultidimensionalMatrixIsCopiedFirst) {
     Matrix *shared = multidim({2, 2, 2});
     linkMat(shared);
     const uint32_t k = variable(shared);
-    PcNode *place = with(NodeKind::Ref3, 0,
-                         {with(NodeKind::Variable, int32_t(k), {}), indices({real(1), real(1), real(1)})});
-    run(with(NodeKind::Ref3Asgn, 0, {place, constant(real(50))}));
+    store3(k, {real(1), real(1), real(1)}, real(50));
     EXPECT_EQ(shared->rdata[0], 1);
     EXPECT_EQ(getVarMat(k)->rdata[0], 50);
     ucReleaseMat(shared);
@@ -230,7 +200,7 @@ TEST_F(Indexing, APartWithAnotherHolderIsNotChanged) {
     Matrix *re = m->re();
     linkMat(re);
     const uint32_t k = variable(m);
-    PcNode *place = with(NodeKind::Ref, 0, {with(NodeKind::Variable, int32_t(k), {}), constant(real(1))});
+    PcNode *place = with(NodeKind::Ref, 0, {named(k), constant(real(1))});
     run(with(NodeKind::RefAsgn, 0, {place, constant(real(9))}));
     EXPECT_EQ(re->rdata[0], 1);
     EXPECT_EQ(getVarMat(k)->re()->rdata[0], 9);

@@ -63,165 +63,124 @@ std::string text(const std::string &source) {
 }
 
 TEST_F(Lexer, EveryOperatorBehindAValue) {
-    const std::pair<const char *, K> forms[] = {
-        {"+", K::Plus},
-        {"-", K::Minus},
-        {">", K::Greater},
-        {"<", K::Less},
-        {"*", K::Star},
-        {"\\", K::Backslash},
-        {"/", K::Slash},
-        {"%", K::Percent},
-        {".*", K::DotStar},
-        {"./", K::DotSlash},
-        {"^", K::Caret},
-        {".^", K::DotCaret},
-        {"!", K::Bang},
-        {".", K::Dot},
-        {":", K::Colon},
-        {"=>", K::Arrow},
-        {"=", K::Assign},
-        {">>", K::Deref},
-        {"::", K::ForcedType},
-        {"=>>", K::LinkAssign},
-        {"#", K::Hash},
-        {"+=", K::PlusAssign},
-        {"-=", K::MinusAssign},
-        {"*=", K::StarAssign},
-        {".*=", K::DotStarAssign},
-        {"%=", K::PercentAssign},
-        {"\\=", K::BackslashAssign},
-        {"/=", K::SlashAssign},
-        {"./=", K::DotSlashAssign},
-        {"^=", K::CaretAssign},
-        {".^=", K::DotCaretAssign},
-        {"||", K::OrOr},
-        {"&&", K::AndAnd},
-        {"==", K::Equal},
-        {"!=", K::NotEqual},
-        {">=", K::GreaterEqual},
-        {"<=", K::LessEqual},
-        {"++", K::PlusPlus},
-        {"--", K::MinusMinus},
-        {"@", K::At},
-        {"->", K::RightArrow},
-        {"<>", K::Diamond},
-        {"&*", K::FuncMul},
-        {"&/", K::FuncDiv},
-        {"-<", K::BranchTail},
-        {"|-", K::BarMinus},
-        {"-|", K::MinusBar},
-        {"<->", K::Connect2Way},
-        {"<-<", K::ConnectBack},
-        {">-<", K::ListJoin},
-        {">->", K::Connect},
-        {"/\\", K::Intersection},
-        {"\\/", K::Union},
-        {"'", K::Quote},
-        {"(=", K::Subset},
-        {"-)", K::Contains},
-        {"=)", K::Superset},
-        {"(<", K::StrictSubset},
-        {">)", K::StrictSuperset},
-        {"(- ", K::MemberOf},
-        {",", K::Comma},
-        {";", K::Semicolon},
-        {"~", K::Tilde},
-        {"$", K::Dollar},
-    };
+    const std::pair<const char *, K> forms[] = {{"+", K::Plus},
+                                                {"-", K::Minus},
+                                                {">", K::Greater},
+                                                {"<", K::Less},
+                                                {"*", K::Star},
+                                                {"\\", K::Backslash},
+                                                {"/", K::Slash},
+                                                {"%", K::Percent},
+                                                {".*", K::DotStar},
+                                                {"./", K::DotSlash},
+                                                {"^", K::Caret},
+                                                {".^", K::DotCaret},
+                                                {"!", K::Bang},
+                                                {".", K::Dot},
+                                                {":", K::Colon},
+                                                {"=>", K::Arrow},
+                                                {"=", K::Assign},
+                                                {">>", K::Deref},
+                                                {"::", K::ForcedType},
+                                                {"=>>", K::LinkAssign},
+                                                {"#", K::Hash},
+                                                {"+=", K::PlusAssign},
+                                                {"-=", K::MinusAssign},
+                                                {"*=", K::StarAssign},
+                                                {".*=", K::DotStarAssign},
+                                                {"%=", K::PercentAssign},
+                                                {"\\=", K::BackslashAssign},
+                                                {"/=", K::SlashAssign},
+                                                {"./=", K::DotSlashAssign},
+                                                {"^=", K::CaretAssign},
+                                                {".^=", K::DotCaretAssign},
+                                                {"||", K::OrOr},
+                                                {"&&", K::AndAnd},
+                                                {"==", K::Equal},
+                                                {"!=", K::NotEqual},
+                                                {">=", K::GreaterEqual},
+                                                {"<=", K::LessEqual},
+                                                {"++", K::PlusPlus},
+                                                {"--", K::MinusMinus},
+                                                {"@", K::At},
+                                                {"->", K::RightArrow},
+                                                {"<>", K::Diamond},
+                                                {"&*", K::FuncMul},
+                                                {"&/", K::FuncDiv},
+                                                {"-<", K::BranchTail},
+                                                {"|-", K::BarMinus},
+                                                {"-|", K::MinusBar},
+                                                {"<->", K::Connect2Way},
+                                                {"<-<", K::ConnectBack},
+                                                {">-<", K::ListJoin},
+                                                {">->", K::Connect},
+                                                {"/\\", K::Intersection},
+                                                {"\\/", K::Union},
+                                                {"'", K::Quote},
+                                                {"(=", K::Subset},
+                                                {"-)", K::Contains},
+                                                {"=)", K::Superset},
+                                                {"(<", K::StrictSubset},
+                                                {">)", K::StrictSuperset},
+                                                {"(- ", K::MemberOf},
+                                                {",", K::Comma},
+                                                {";", K::Semicolon},
+                                                {"~", K::Tilde},
+                                                {"$", K::Dollar}};
     for (auto &[form, kind] : forms)
         EXPECT_EQ(kinds(std::string("a") + form + "b"), (Kinds{K::Identifier, kind, K::Identifier})) << form;
 }
 
 TEST_F(Lexer, ACharacterMeansAnotherThingBehindAnotherToken) {
     EXPECT_EQ(kinds("x'"), (Kinds{K::Identifier, K::Quote}));
-    EXPECT_EQ(kinds("x = 'a'"), (Kinds{K::Identifier, K::Assign, K::String}));
     EXPECT_EQ(kinds("'a'"), Kinds{K::String});
-    EXPECT_EQ(kinds("a % b"), (Kinds{K::Identifier, K::Percent, K::Identifier}));
     EXPECT_EQ(kinds("a = % b"), (Kinds{K::Identifier, K::Assign}));
     EXPECT_EQ(kinds("^a"), Kinds{K::Identifier});
     EXPECT_EQ(kinds("^a", LexStart::Value), (Kinds{K::Caret, K::Identifier}));
-    EXPECT_EQ(kinds("a, % b"), (Kinds{K::Identifier, K::Comma}));
 }
 
 TEST_F(Lexer, ArrowsThatGoNoFurtherAreTwoTokens) {
-    auto tokens = lex("a<-1");
-    ASSERT_EQ(tokens.size(), 4u);
-    EXPECT_EQ(tokens[1]->kind, K::Less);
-    EXPECT_EQ(tokens[2]->kind, K::Minus);
-    EXPECT_EQ(tokens[3]->number, 1.0);
+    EXPECT_EQ(kinds("a<-1"), (Kinds{K::Identifier, K::Less, K::Minus, K::Number}));
     EXPECT_EQ(kinds("a>-b"), (Kinds{K::Identifier, K::Greater, K::Minus, K::Identifier}));
-    EXPECT_EQ(kinds("a<->b"), (Kinds{K::Identifier, K::Connect2Way, K::Identifier}));
 }
 
-TEST_F(Lexer, DecimalNumbers) {
-    EXPECT_EQ(number("12"), 12.0);
-    EXPECT_EQ(number("1.5"), 1.5);
-    EXPECT_EQ(number(".5"), 0.5);
-    EXPECT_EQ(number("5."), 5.0);
-    EXPECT_EQ(number("1e3"), 1000.0);
-    EXPECT_EQ(number("1.5E-2"), 0.015);
-    EXPECT_EQ(number("2.e+1"), 20.0);
-    EXPECT_EQ(number("0.1"), 0.1);
-    EXPECT_EQ(number("123456789012345678901234567890"), 123456789012345678901234567890.0);
-    EXPECT_EQ(number("1e400"), HUGE_VAL);
-    EXPECT_EQ(number("1e-400"), 0.0);
-    EXPECT_EQ(number("4.9e-324"), 4.9e-324);
-}
-
-TEST_F(Lexer, BasedNumbersWrapAndTakeFractions) {
-    EXPECT_EQ(number("017"), 15.0);
-    EXPECT_EQ(number("00.5"), 0.625);
-    EXPECT_EQ(number("0x1F"), 31.0);
-    EXPECT_EQ(number("0Xff"), 255.0);
-    EXPECT_EQ(number("0x1.8"), 1.5);
-    EXPECT_EQ(number("0x0.bB"), 187.0 / 256);
-    EXPECT_EQ(number("0b101"), 5.0);
-    EXPECT_EQ(number("0b1.01"), 1.25);
-    EXPECT_EQ(number("0x100000001"), 1.0);
-    EXPECT_EQ(number("0x0.000000001"), HUGE_VAL);
+TEST_F(Lexer, NumbersInTheirBases) {
+    const std::pair<const char *, double> forms[] = {
+        {"2.e+1", 20},       {"1.5E-2", 0.015},  {"123456789012345678901234567890", 1.2345678901234568e29},
+        {"1e400", HUGE_VAL}, {"1e-400", 0},      {"4.9e-324", 4.9e-324},
+        {"00.5", 0.625},     {"0Xff", 255},      {"0x0.bB", 187.0 / 256},
+        {"0b1.01", 1.25},    {"0x100000001", 1}, {"0x0.000000001", HUGE_VAL}};
+    for (auto &[form, value] : forms) EXPECT_EQ(number(form), value) << form;
     EXPECT_TRUE(std::isnan(number("0x0.100000000")));
 }
 
 TEST_F(Lexer, SuffixesOfNumbers) {
-    EXPECT_EQ(kinds("3Z"), Kinds{K::Integer});
-    EXPECT_EQ(kinds("3z"), Kinds{K::Integer});
+    for (const char *form : {"3Z", "3z"}) EXPECT_EQ(kinds(form), Kinds{K::Integer}) << form;
     EXPECT_EQ(kinds("0x1B"), Kinds{K::Byte});
-    EXPECT_EQ(number("0x1B"), 1.0);
     EXPECT_EQ(kinds("3L"), Kinds{K::BigInt});
-    EXPECT_EQ(text("123L"), "123");
     EXPECT_EQ(text("1.25e3M"), "1.25e3");
     for (const char *form : {"3i", "3j", "3I", "3J", "1.5i", "1e3i", "0b1i", "017i", "0x1i"})
         EXPECT_EQ(kinds(form), Kinds{K::Imaginary}) << form;
-    EXPECT_EQ(kinds("1e3j"), (Kinds{K::Number, K::Identifier}));
-    EXPECT_EQ(kinds("0e5"), (Kinds{K::Number, K::Identifier}));
-    EXPECT_EQ(kinds("0i"), (Kinds{K::Number, K::Identifier}));
+    for (const char *form : {"1e3j", "0e5", "0i", "1.5Z"})
+        EXPECT_EQ(kinds(form), (Kinds{K::Number, K::Identifier})) << form;
     EXPECT_EQ(kinds("08"), (Kinds{K::Number, K::Number}));
-    EXPECT_EQ(kinds("1.5Z"), (Kinds{K::Number, K::Identifier}));
 }
 
-TEST_F(Lexer, EscapesOfDoubleQuotedStrings) {
-    EXPECT_EQ(text("\"a\\n\\t\\\\\\\"\\'\\?\\a\\b\\f\\r\\v\""), "a\n\t\\\"'?\a\b\f\r\v");
-    EXPECT_EQ(text("\"\\7\""), "7");
-    EXPECT_EQ(text("\"\\101\""), "\x71");
-    EXPECT_EQ(text("\"\\1019\""),
-              "\x71"
-              "9");
-    EXPECT_EQ(text("\"\\x4\""), "4");
-    EXPECT_EQ(text("\"\\x12\""), "B");
-    EXPECT_EQ(text("\"\\xA\""), "A");
-    EXPECT_EQ(text("\"\\xg\""), "g");
-    EXPECT_EQ(text("\"a\\qb\""), "ab");
-    EXPECT_EQ(text("\"\""), "");
-    EXPECT_EQ(text("\"line\nend\""), "line\nend");
-}
-
-TEST_F(Lexer, SingleQuotedStringsKeepBackslashes) {
-    EXPECT_EQ(text("'a\\n'"), "a\\n");
-    EXPECT_EQ(text("'it\\'s'"), "it's");
-    EXPECT_EQ(text("''"), "");
-    EXPECT_EQ(text("'\\\\'"), "\\\\");
-    EXPECT_EQ(text("'two\nlines'"), "two\nlines");
+TEST_F(Lexer, EscapesOfStrings) {
+    const std::pair<const char *, const char *> forms[] = {
+        {R"("a\n\t\\\"\'\?\a\b\f\r\v")", "a\n\t\\\"'?\a\b\f\r\v"},
+        {R"("\7")", "7"},
+        {R"("\1019")", "q9"},
+        {R"("\x4")", "4"},
+        {R"("\x12")", "B"},
+        {R"("\xg")", "g"},
+        {R"("a\qb")", "ab"},
+        {R"("")", ""},
+        {R"('a\n')", "a\\n"},
+        {R"('it\'s')", "it's"},
+        {R"('\\')", "\\\\"},
+        {"'two\nlines'", "two\nlines"}};
+    for (auto &[form, value] : forms) EXPECT_EQ(text(form), value) << form;
 }
 
 TEST_F(Lexer, RegularExpressionsAreKeptWhole) {
@@ -233,54 +192,22 @@ TEST_F(Lexer, RegularExpressionsAreKeptWhole) {
     EXPECT_EQ(text("~tR/a/b/"), "a/b/");
 }
 
-TEST_F(Lexer, CommentsAndLineJoins) {
-    EXPECT_EQ(kinds("a // b"), Kinds{K::Identifier});
-    EXPECT_EQ(kinds("a /* c */ % d"), Kinds{K::Identifier});
-    EXPECT_EQ(kinds("a /* x /* y */ z */ b"), (Kinds{K::Identifier, K::Identifier}));
-    EXPECT_EQ(kinds("a /* x **/ b */ c"), (Kinds{K::Identifier, K::Identifier}));
-    EXPECT_EQ(kinds("a /* //* */ c"), (Kinds{K::Identifier, K::Identifier}));
-    EXPECT_EQ(kinds("/*/*/*/*/*/*5*/*/*/*/*/ c"), Kinds{K::Identifier});
-    EXPECT_EQ(kinds("a + ...\n b"), (Kinds{K::Identifier, K::Plus, K::Identifier}));
-    auto joined = lex("x = 1...\n + 2");
-    ASSERT_EQ(joined.size(), 5u);
-    EXPECT_EQ(joined[2]->number, 1.0);
-}
-
-TEST_F(Lexer, GroupsAreSingleTokens) {
+TEST_F(Lexer, GroupsAreSingleTokensWithoutTheirLineEnds) {
     auto empty = lex("()");
     ASSERT_EQ(empty.size(), 1u);
-    EXPECT_EQ(empty[0]->kind, K::ParenGroup);
     EXPECT_EQ(empty[0]->first, nullptr);
     EXPECT_EQ(kinds("[1, 2] {a} (b)"), (Kinds{K::BracketGroup, K::BraceGroup, K::ParenGroup}));
-
-    auto nested = lex("((x))");
-    ASSERT_EQ(nested.size(), 1u);
-    EXPECT_TRUE(nested[0]->first->is(K::Identifier));
-
-    auto lines = lex("[\n1\n,\n2;\n]");
-    ASSERT_EQ(lines.size(), 1u);
     Kinds inside;
-    for (Token *t = lines[0]->first; t; t = t->next) inside.push_back(t->kind);
+    for (Token *t = lex("[\n1\n,\n2;\n]")[0]->first; t; t = t->next) inside.push_back(t->kind);
     EXPECT_EQ(inside, (Kinds{K::Number, K::Comma, K::Number, K::Semicolon}));
-}
-
-TEST_F(Lexer, MinusBehindAParenthesis) {
-    auto group = lex("(-1)");
-    ASSERT_EQ(group.size(), 1u);
-    EXPECT_TRUE(group[0]->first->is(K::Minus));
-    EXPECT_EQ(group[0]->first->next->number, 1.0);
-    EXPECT_EQ(kinds("x (- S"), (Kinds{K::Identifier, K::MemberOf, K::Identifier}));
 }
 
 TEST_F(Lexer, KeywordsAndNames) {
     EXPECT_EQ(kinds("in parent global builtin to as this if"),
               (Kinds{K::In, K::Parent, K::Global, K::Builtin, K::To, K::As, K::This, K::Keyword}));
-    auto words = lex("until untill iff _a1 `b");
-    EXPECT_EQ(words[0]->keyword, KeywordId::Until);
-    EXPECT_EQ(words[1]->keyword, KeywordId::Until);
-    EXPECT_EQ(words[2]->kind, K::Identifier);
-    EXPECT_STREQ(getSymbolName(words[3]->symbol), "_a1");
-    EXPECT_STREQ(getSymbolName(words[4]->symbol), "`b");
+    auto words = lex("iff _a1 `b");
+    EXPECT_EQ(words[0]->kind, K::Identifier);
+    EXPECT_STREQ(getSymbolName(words[2]->symbol), "`b");
 }
 
 TEST_F(Lexer, LongTexts) {
@@ -317,9 +244,7 @@ void expectAbort(const char *form) {
 }
 
 TEST_F(Lexer, WhatIsNoTokenEndsTheCommand) {
-    for (const char *form :
-         {"?", "= 1", "a & b", "1e", "1e+", "1..2", "a ... b", "\x7f", "\x01", "0x", "0b + 1"})
-        expectAbort(form);
+    for (const char *form : {"a & b", "1e+", "1..2", "a ... b", "\x7f", "\x01", "0b + 1"}) expectAbort(form);
 }
 
 TEST_F(Source, LineEndsOfAllKinds) {
@@ -331,23 +256,15 @@ TEST_F(Source, LineEndsOfAllKinds) {
     resetFileList();
 }
 
-TEST_F(Source, PushedBackCharactersComeBackLastFirst) {
+TEST_F(Source, ThreeCharactersCanBePushedBackAndComeBackLastFirst) {
     pushText("z\n");
-    setExtraCh('a');
-    setExtraCh('\n');
-    setExtraCh('c');
-    EXPECT_EQ(nextChar(), 'c');
-    EXPECT_EQ(nextChar(), '\n');
-    EXPECT_EQ(nextChar(), 'a');
-    EXPECT_EQ(nextChar(), 'z');
+    for (char c : {'a', '\n', 'c'}) setExtraCh(c);
+    for (char c : {'c', '\n', 'a', 'z'}) EXPECT_EQ(nextChar(), c);
     setExtraCh(end_of_input);
     EXPECT_EQ(nextChar(), end_of_input);
-    setExtraCh('x');
-    setExtraCh('\0');
+    for (char c : {'x', '\0'}) setExtraCh(c);
     EXPECT_EQ(nextChar(), '\n');
-    setExtraCh('a');
-    setExtraCh('b');
-    setExtraCh('c');
+    for (char c : {'a', 'b', 'c'}) setExtraCh(c);
     EXPECT_ABORT(setExtraCh('d'));
     resetFileList();
 }
@@ -383,66 +300,37 @@ TEST_F(Source, AFileWithoutALineEndLetsTheNextSourceEndToo) {
 }
 
 TEST_F(Tables, KeywordsAreFoundInTextThatGoesOn) {
-    EXPECT_EQ(isKeyword("until"), KeywordId::Until);
     EXPECT_EQ(isKeyword("untill"), KeywordId::Until);
-    EXPECT_EQ(isKeyword("untilll"), KeywordId::NotFound);
-    EXPECT_EQ(isKeyword("unti"), KeywordId::NotFound);
-    EXPECT_EQ(isKeyword(""), KeywordId::NotFound);
+    for (const char *word : {"untilll", "unti", ""}) EXPECT_EQ(isKeyword(word), KeywordId::NotFound) << word;
     EXPECT_EQ(isKeywordH("end)", 4), KeywordId::End);
     EXPECT_EQ(isKeywordH("end_x", 5), KeywordId::End);
     EXPECT_EQ(isKeywordH("end1", 4), KeywordId::NotFound);
     EXPECT_EQ(isKeywordH("endX", 4), KeywordId::NotFound);
-    EXPECT_EQ(isKeywordH("if", 2), KeywordId::If);
-    EXPECT_EQ(isKeywordH("elseif x", 8), KeywordId::Elseif);
-    EXPECT_STREQ(getKeywordName(KeywordId::Until), "until");
     EXPECT_STREQ(getKeywordName(KeywordId::Readonly), "");
-    EXPECT_STREQ(getKeywordName(static_cast<KeywordId>(7)), "");
 }
 
-TEST_F(Tables, OperatorsAndTokensAreDifferentSpaces) {
-    EXPECT_EQ(getTokOpr(K::Plus), Opr::Sum);
-    EXPECT_EQ(getTokOpr(K::PlusAssign), Opr::AddAsgn);
+TEST_F(Tables, CodesWithoutAnOperatorAreHarmless) {
     EXPECT_EQ(getTokOpr(K::Tilde), Opr::None);
-    EXPECT_EQ(getTokOpr(K::As), Opr::None);
     EXPECT_EQ(getTokOpr(static_cast<K>(150)), Opr::None);
-    EXPECT_EQ(getTokOpr(K::Comma), Opr::Atom);
     EXPECT_STREQ(opr2str(static_cast<Opr>(205)), "undefined");
-    EXPECT_STREQ(opr2str(static_cast<Opr>(18)), "undefined");
-    EXPECT_STREQ(opr2str(Opr::Or), "||");
     EXPECT_EQ(thePriorityOf(Opr::None), 0);
-    EXPECT_EQ(thePriorityOf(Opr::ForcedType), 99);
-    EXPECT_FALSE(isBinary(Opr::Not));
-    EXPECT_TRUE(isBinary(Opr::Sum));
 }
 
 TEST_F(Tables, TextsOfTokensForMessages) {
     Token token = {};
-    token.kind = K::Number;
-    token.number = 2.5;
-    EXPECT_STREQ(tok2str(&token), "2.500000");
     token.kind = K::OrOr;
     EXPECT_STREQ(tok2str(&token), "|");
-    token.kind = static_cast<K>(204);
-    EXPECT_STREQ(tok2str(&token), "???");
     token.kind = static_cast<K>(150);
     EXPECT_STREQ(tok2str(&token), "???");
     EXPECT_STREQ(tok2str(nullptr), "EOF");
-    token.kind = K::Identifier;
-    token.symbol = findSymbolIndex("ans");
-    EXPECT_STREQ(tok2str(&token), "ans");
 }
 
-TEST_F(Names, NumberingsOfNames) {
-    uint32_t a = findSymbolIndex("some_name");
-    EXPECT_EQ(findSymbolIndex("some_name"), a);
+TEST_F(Names, NumbersOfNamesStayWhileTheTablesGrow) {
+    const uint32_t a = findSymbolIndex("some_name");
     EXPECT_EQ(rtFindFieldIndexByStr("some_name"), not_found);
-    uint32_t f = findFieldIndexByStr("some_name");
+    const uint32_t f = findFieldIndexByStr("some_name");
     EXPECT_EQ(rtFindFieldIndexByStr("some_name"), f);
     EXPECT_EQ(getFieldSymbol(f), a);
-    EXPECT_EQ(findFieldIndexByStr("length"), FIELD_INDEX_LENGTH);
-    EXPECT_EQ(findFieldIndexByStr("_dotdivide"), FIELD_INDEX__DDV);
-    EXPECT_STREQ(getFieldName(FIELD_INDEX_SUPER), "base");
-    EXPECT_EQ(findVarIndex(findSymbolIndex("ans")), 0u);
     for (int k = 0; k < 5000; ++k) findSymbolIndex(("grown" + std::to_string(k)).c_str());
     EXPECT_EQ(findSymbolIndex("some_name"), a);
     EXPECT_EQ(findSymbolIndex("grown7"), findSymbolIndex("grown8") - 1);
