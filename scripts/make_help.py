@@ -8,6 +8,7 @@ docs/help holds the texts as sections of entries:
     ---- section
     == name, name : first paragraph
     usage: name(x, option = default)
+    takes: kinds of values
     text, and examples with their answers:
     >> name(1)
         2
@@ -117,13 +118,14 @@ def constants():
 class Entry:
     def __init__(self, section, names, summary):
         self.section, self.names, self.summary = section, names, summary
-        self.usage, self.body, self.see = [], [], []
+        self.usage, self.takes, self.body, self.see = [], [], [], []
 
     def add(self, line):
         if line.startswith("usage: "):
             self.usage.append(line[7:])
-        elif line.startswith("see: "):
-            self.see = [name.strip() for name in line[5:].split(",")]
+        elif line.startswith(("takes: ", "see: ")):
+            field, _, names = line.partition(": ")
+            setattr(self, field, names.split(", "))
         else:
             self.body.append(line)
 
@@ -207,6 +209,8 @@ def text_of(name, entry, rows, found):
     row = rows.get(name)
     body = index(found, rows) if entry.body[:1] == ["{index}"] else set_apart(entry.body)
     blocks = [heading(name, entry, row), wrapped(entry.summary), body]
+    if entry.takes:
+        blocks.append(wrapped("Takes %s." % ", ".join(entry.takes)))
     if row and not row.built:
         blocks.append(wrapped(LATER % name))
     if entry.see:

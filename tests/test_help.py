@@ -15,6 +15,15 @@ import make_help  # noqa: E402
 
 VESKO, COMPILER = os.path.abspath(sys.argv[1]), sys.argv[2]
 MARK = "~~~~ %d"
+ORDERED = ["[1, 2; 3, 4]", "[1Z, 2Z; 3Z, 4Z]", "[1B, 2B; 3B, 4B]", "binary(2, 2)", "1:3"]
+KINDS = {
+    "numbers of all kinds": ORDERED + ["[1i, 2; 3, 4]"], "numbers that are not complex": ORDERED,
+    "real numbers": ORDERED[:1], "integers": ORDERED[1:2], "ranges": ORDERED[4:], "complex numbers": ["[1i, 2; 3, 4]"],
+    "matrices of more dimensions": ["zeros(2, 2, 2)"], "lists of numbers": ["(1, 2)"],
+    "lists": ["(1, 2)", '("a", [1])'], "texts": ['"ab"'], "sets": ["{1, 2}"], "hash tables": ['{"a" => 1}'],
+    "null": ["[]"], "others": ["sin", "{a = 1}", "1 to 2"],
+}
+SAMPLES = sorted({sample for samples in KINDS.values() for sample in samples})
 
 
 def answers(commands):
@@ -65,6 +74,16 @@ class Help(unittest.TestCase):
         for (name, lines, expected), shown in zip(examples, answers([lines for _, lines, _ in examples])):
             shown = [re.sub(r"^(   Error +)\d+", r"\g<1>1", line) for line in shown]
             self.assertEqual("\n".join(shown), "\n".join(expected), "the example of %s: %s" % (name, lines))
+
+    def test_kinds_that_are_taken(self):
+        """Each name takes the kinds that its text tells, and refuses all others."""
+        calls = [(name, entry.takes, sample) for entry in self.entries if entry.takes for name in entry.names
+                 for sample in SAMPLES]
+        self.assertGreater(len(calls), 800)
+        results = answers([["%s((%s));" % (name, sample)] for name, _, sample in calls])
+        for (name, takes, sample), shown in zip(calls, results):
+            taken = any(sample in KINDS[kind] for kind in takes)
+            self.assertEqual("Error" not in "".join(shown), taken, "%s(%s): %s" % (name, sample, shown))
 
 
 if __name__ == "__main__":
