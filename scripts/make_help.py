@@ -30,15 +30,19 @@ WIDTH = 72
 INDENT = "    "
 LATER = "%s is not built yet: a call is an error."
 
+# Domains in shapes: what the elements are, how one is written, and the kind that makers know them by; what a shape
+# is, its rows and columns in an example.
 ELEMENTS = {
-    "R": "real numbers", "Z": "whole numbers of any kind", "C": "real or complex numbers",
-    "D": "numbers of the kind real", "I": "numbers of the kind integer", "B": "bytes",
-    "DC": "numbers of the kind complex",
+    "R": ("real numbers", "%d", "_D"), "Z": ("whole numbers of any kind", "%d", "_D"),
+    "C": ("real or complex numbers", "%di", "_C"), "D": ("numbers of the kind real", "%d", "_D"),
+    "I": ("numbers of the kind integer", "%dZ", "_Z"), "B": ("bytes", "%dB", "_B"),
+    "DC": ("numbers of the kind complex", "%di", "_C"),
 }
-SHAPES = {"n": "a vector", "nn": "a square matrix", "n1": "a column", "1n": "a row", "mn": "a matrix"}
-for n in "234":
-    SHAPES.update({n: "a vector of " + n, n + n: "a %s by %s matrix" % (n, n), n + "1": "a column of " + n,
-                   "1" + n: "a row of " + n})
+SHAPES = {"n": ("a vector", 1, 3), "nn": ("a square matrix", 2, 2), "n1": ("a column", 3, 1), "1n": ("a row", 1, 3),
+          "mn": ("a matrix", 2, 3)}
+for n in (2, 3, 4):
+    SHAPES.update({"%d" % n: ("a vector of %d" % n, 1, n), "%d%d" % (n, n): ("a %d by %d matrix" % (n, n), n, n),
+                   "%d1" % n: ("a column of %d" % n, n, 1), "1%d" % n: ("a row of %d" % n, 1, n)})
 
 
 def source(path):
@@ -77,7 +81,8 @@ def builtins(compiler):
         kind, rest = row.split(",", 1)
         if kind == "shapes":
             for shape in SHAPES:
-                found["_" + rest.strip() + shape] = Builtin("_" + rest.strip() + shape, "x")
+                name = "_" + rest.strip() + shape
+                found[name] = Builtin(name, "x", True, shape_parameters(rest.strip(), shape))
             continue
         name, inputs = re.findall(r'"([^"]*)"', rest)[:2]
         table = re.search(r"\.parms = (\w+)", rest)
@@ -143,6 +148,7 @@ class Entry:
 
 
 def entries():
+    """All entries but those of domains in shapes."""
     found, section = [], ""
     for path in sorted(glob.glob(os.path.join(ROOT, "docs/help/*.txt"))):
         for line in source(path).splitlines():
@@ -156,19 +162,28 @@ def entries():
     return found
 
 
-def shape_entry(name):
-    """The entry of a domain in a shape; None for other names."""
-    match = re.fullmatch("_(%s)(%s)" % ("|".join(ELEMENTS), "|".join(SHAPES)), name)
-    if not match:
-        return None
-    elements, shape = match.groups()
-    entry = Entry("Domains", [name], "The domain of %s of %s: 1 if x is one, else 0."
-                  % (SHAPES[shape], ELEMENTS[elements]))
-    free = [c for c in "mn" if c in shape]
-    if free:
-        entry.body = ["%s[%s] asks for that size." % (name, ", ".join(free))]
+def shape_parameters(elements, shape):
+    names = [c for c in "mn" if c in shape] + (["domain"] if elements in "RZ" else [])
+    return ", ".join(name + " = null" for name in names)
+
+
+def shape_entry(elements, shape):
+    """The entry of a domain in a shape."""
+    what, number, kind = ELEMENTS[elements]
+    form, rows, columns = SHAPES[shape]
+    name = "_" + elements + shape
+    entry = Entry("Domains", [name], "The domain of %s of %s: 1 if x is one, else 0." % (form, what))
+    matrix = "[%s]" % "; ".join(", ".join(number % (i + j + 1) for j in range(columns)) for i in range(rows))
+    if rows * columns > 9:
+        matrix = "ones(%d, %d, %s)" % (rows, columns, kind)
+    sizes = {"n": "[3]", "nn": "[2]", "n1": "[3]", "1n": "[3]", "mn": "[2, 3]"}
+    entry.body = [">> %s%s(%s)" % (name, sizes.get(shape, ""), matrix), "    1"]
     entry.see = ["_" + elements, "domains"]
     return entry
+
+
+def shapes():
+    return [shape_entry(elements, shape) for elements in ELEMENTS for shape in SHAPES]
 
 
 def heading(name, entry, row):
@@ -221,9 +236,7 @@ def text_of(name, entry, rows, found):
 def texts(compiler):
     """Subject to text."""
     rows, found = builtins(compiler), entries()
-    written = {name for entry in found for name in entry.names}
-    shapes = [entry for entry in map(shape_entry, rows) if entry and entry.names[0] not in written]
-    return {name: text_of(name, entry, rows, found) for entry in found + shapes for name in entry.names}
+    return {name: text_of(name, entry, rows, found) for entry in found + shapes() for name in entry.names}
 
 
 def main():

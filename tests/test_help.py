@@ -46,7 +46,7 @@ def answers(commands):
 
 class Help(unittest.TestCase):
     maxDiff = None
-    entries = make_help.entries()
+    entries = make_help.entries() + make_help.shapes()
     texts = make_help.texts(COMPILER)
 
     def test_every_name_has_a_text(self):
