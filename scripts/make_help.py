@@ -90,16 +90,17 @@ def builtins(compiler):
     return found
 
 
-DEFAULTS = {"theEmptyMat": "null", "theTrueMat": "true", "theFalseMat": "false", "zero": "0", "theNlogBaseMat": "e"}
+DEFAULTS = {"theEmptyMat": " = null", "theTrueMat": " = true", "theFalseMat": " = false", "zero": " = 0",
+            "theNlogBaseMat": " = e"}
 
 
 def parameters(table):
-    """The parameters of a built-in with their defaults, from the C++ table of that name."""
+    """The parameters of a built-in, with the defaults that are known here, from the C++ table of that name."""
     for path in sorted(glob.glob(os.path.join(ROOT, "src/builtins/*.cpp"))):
         found = re.search(r"const BfParm %s\[\w*\] = \{(.*?)\};" % table, source(path), re.S)
         if found:
             parms = re.findall(r'\{"(\w+)", (\w+)', found.group(1))
-            return ", ".join("%s = %s" % (name, DEFAULTS.get(dflt, dflt)) for name, dflt in parms)
+            return ", ".join(name + DEFAULTS.get(dflt, "") for name, dflt in parms)
     return ""
 
 
@@ -241,12 +242,13 @@ def texts(compiler):
 
 def main():
     compiler, folder = sys.argv[1:]
+    made = texts(compiler)
     if os.path.islink(folder):
         os.remove(folder)
     os.makedirs(folder, exist_ok=True)
     for old in glob.glob(os.path.join(folder, "*.txt")):
         os.remove(old)
-    for name, text in texts(compiler).items():
+    for name, text in made.items():
         with open(os.path.join(folder, name + ".txt"), "w", encoding="utf-8") as file:
             file.write(text.replace("%", "%%"))
 

@@ -68,7 +68,7 @@ class Help(unittest.TestCase):
             self.assertEqual("\n".join(shown), self.texts[name].rstrip("\n"), "help " + name)
 
     def test_examples_give_their_answers(self):
-        """The entries of a file share a run of the program: their variables stay."""
+        """All share a run of the program: their variables stay."""
         examples = [(entry.names[0], *pair) for entry in self.entries for pair in entry.examples()]
         self.assertGreater(len(examples), 250)
         for (name, lines, expected), shown in zip(examples, answers([lines for _, lines, _ in examples])):
