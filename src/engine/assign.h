@@ -13,9 +13,6 @@ namespace vesko {
 Matrix *cloneSlot(Matrix *&slot);
 inline Matrix *unshare(Matrix *&slot) { return slot->nlinks() < 2 ? slot : cloneSlot(slot); }
 
-// Takes off the pins from the n-th on, and releases what nobody else holds.
-void releasePins(uint32_t n);
-
 // A target, while a store works on it. The order of a store:
 //
 //     Target target = openTarget(lvalue);     evaluates what the path names: indices, keys, pointers

@@ -170,10 +170,12 @@ Matrix *doParmAsgn(PcNode *node) {
 
 namespace {
 
+// The store stays open, for the domains on the path to the pointer.
 void storeThroughAddress(const VarAddr *address, Matrix *value, PcNode *node) {
     if (!(*address->cell & 1)) error_ptr_asgn_pointer_gone(node);
     Variable *var = address->var;
     if (var->domain && !memberOfSet(value, var->domain, node)) error_asgn_justify(node);
+    openStore(&var->value, var->value);
     updateVariable(var, value);
 }
 

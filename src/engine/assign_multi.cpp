@@ -49,7 +49,7 @@ void storeInVariables(PcNode *targets, Matrix *values, PcNode *node) {
 
 // ---- Fields of one object
 
-using StoreField = void (*)(Xobject *obj, uint32_t name, Matrix *value, PcNode *node);
+using StoreField = void (*)(Matrix *object, uint32_t name, Matrix *value, PcNode *node);
 
 // The values are those of a list. Each store stays open.
 void storeFields(PcNode *targets, Matrix *object, Matrix *values, PcNode *node) {
@@ -57,7 +57,7 @@ void storeFields(PcNode *targets, Matrix *object, Matrix *values, PcNode *node) 
     const StoreField store = parent ? resetParField : resetObjField;
     for (uint32_t k = 0; k < targets->ncub; k++) {
         if (targets->child(k)->kind != NodeKind::Field) error_multi_asgn(node, no_value);
-        store(objectOf(object), static_cast<uint32_t>(targets->child(k)->value), values->entries()[k], node);
+        store(object, static_cast<uint32_t>(targets->child(k)->value), values->entries()[k], node);
     }
 }
 
@@ -80,12 +80,10 @@ void storeInObject(PcNode *targets, Matrix *values, PcNode *node) {
     Matrix *object = pinMat(uniquelize(target));
     if (object->l2type != L2::OBJ) error_multi_asgn(node, static_cast<int32_t>(index(object->l2type)));
     pinMat(values = listOfComponents(values));
-    const uint32_t first_store = openStoreCount();
     if (objectOf(object)->type->validate == not_found)
         storeFields(targets, object, values, node);
     else
         storeValidFields(targets, object, values, node);
-    while (openStoreCount() > first_store) closeStore(true);
     closeTarget(target, theNullMat(), node);
 }
 

@@ -99,18 +99,16 @@ Matrix *preStepInDomain(PcNode *node, Variable *var) {
     bool sole = soleHolder(old, node->value);
     if (stepsRealScalar<Step>(var, sole)) return stepPlainly<Step>(node, var);
     Matrix *result = stepped<Step>(old, integerOne, node);
-    const uint32_t first_pin = pinCount();
-    pinMat(old);
+    pinMat(result);
+    openStore(&var->value, old);
     replaceMat(var->value, result);
-    if (!memberOfSet(sole ? result : old, var->domain, node)) {
-        if (result->l1type == L1::RS || result->l1type == L1::RM)
-            result->rdata[0] -= 1.0;
-        else
-            replaceMat(var->value, old);
-        error_asgn_justify(node);
-    }
-    releasePins(first_pin);
-    return result;
+    const bool accepted = memberOfSet(sole ? result : old, var->domain, node);
+    const bool real = result->l1type == L1::RS || result->l1type == L1::RM;
+    closeStore(accepted || real);
+    unpinMat();
+    if (accepted) return var->value;
+    if (real) unshare(var->value)->rdata[0] -= 1.0;
+    error_asgn_justify(node);
 }
 
 template <class Step>

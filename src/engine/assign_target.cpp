@@ -23,11 +23,6 @@ Matrix *cloneSlot(Matrix *&slot) {
     return replaceMat(slot, cloneMatrix(slot));
 }
 
-void releasePins(uint32_t n) {
-    assert(npinned >= n);
-    while (npinned > n) releaseMat(unpinMat());
-}
-
 // ---- The values that a path names
 
 // A pointer is the base of its path, whatever expression yields it.
@@ -355,10 +350,15 @@ void undo(Target &target) {
     replaceMat(*walk.slotOf(target.lvalue), target.backup);
 }
 
+void takeKeyOut(void *table, Matrix *key) { removeHashKey(static_cast<hashtable *>(table), key); }
+
 // A predicate that fails leaves the old value. The holder of the slot is pinned, so the slot stays where it
 // is.
 bool isJustified(Target &target, PcNode *node) {
-    openStore(target.slot, target.backup);
+    if (target.hash)
+        openStore(takeKeyOut, target.hash->table(), target.new_key);
+    else
+        openStore(target.slot, target.backup);
     const bool accepted = justify(target, target.lvalue, node);
     closeStore(true);
     return accepted;

@@ -27,11 +27,12 @@ bool dependsOnTarget(const Matrix *operand, const Matrix *target) {
     return operand == target || (!operand->isTemp() && target->l2type > L2::CM && target->l2type != L2::TX);
 }
 
-// The new value stands in the variable already; one that its domain refuses gives way to the old.
+// The new value stands in the variable already; one that its domain refuses gives way to the old. Leaves
+// pins.
 void testStored(PcNode *node, Variable *var, Matrix *old) {
-    if (!var->domain || memberOfSet(var->value, var->domain, node)) return;
-    replaceMat(var->value, old);
-    error_asgn_justify(node);
+    if (!var->domain) return;
+    openStore(&var->value, old);
+    if (!memberOfSet(pinMat(var->value), var->domain, node)) error_asgn_justify(node);
 }
 
 // A variable with a domain keeps its old value aside until the new one has passed the test. A pinned value is
@@ -47,13 +48,13 @@ Matrix *compoundStore(PcNode *node, Matrix *operand) {
         pinMat(old);
     }
     Matrix *target = unshare(var->value);
-    Matrix *result = table[pairIndex(target, operand)](target, operand, var, node);
+    table[pairIndex(target, operand)](target, operand, var, node);
     testStored(node, var, old);
     if (keep)
         releasePins(first_pin);
     else
         releaseMat(operand);
-    return result;
+    return var->value;
 }
 
 Matrix *storeRealScalar(Matrix *&slot, double x, Matrix *operand) {
@@ -112,10 +113,10 @@ Matrix *addAsgnBefore(PcNode *node) {
     const uint32_t first_pin = pinCount();
     pinMat(operand);
     pinMat(old);
-    Matrix *result = replaceMat(var->value, getMatSum(operand, old, node));
+    replaceMat(var->value, getMatSum(operand, old, node));
     testStored(node, var, old);
     releasePins(first_pin);
-    return result;
+    return var->value;
 }
 
 }  // namespace vesko

@@ -148,9 +148,9 @@ Matrix *execTryBlock(PcNode *node) {
         innermost = &walk;
     } else {
         resetInterruptHold();
-        dumpFuncStackTo(walk.depth);
         unpinTo(walk.npins);
         releaseFuncsTo(walk.nheld);
+        dumpFuncStackTo(walk.depth);
         if (catch_frame->proc) enterAutomaton(catch_frame);
         top->pc = catch_body;
     }

@@ -1,6 +1,8 @@
 // The stacks of pins.
 #include "engine/pins.h"
 
+#include <cassert>
+
 #include "engine/frame.h"
 #include "engine/interrupt.h"
 #include "values/audit.h"
@@ -15,7 +17,8 @@ static FuncRec **held;
 static uint32_t nheld, heldcap;
 
 struct OpenStore {
-    Matrix **slot;
+    TakeBack take_back;
+    void *place;
     uint32_t pin;  // the old value
 };
 static OpenStore *stores;
@@ -52,27 +55,40 @@ void releaseFunc() {
     if (--f->nholds == 0 && f->dropped) freeFuncRec(f);
 }
 
-void openStore(Matrix **slot, Matrix *old) {
+void openStore(TakeBack take_back, void *place, Matrix *old) {
     if (nstores == storecap) doubleStack(stores, storecap);
     pinMat(old);
-    stores[nstores] = {slot, npinned - 1};
+    stores[nstores] = {take_back, place, npinned - 1};
     orderStores();
     nstores++;
 }
 
+static void putBack(void *slot, Matrix *old) { replaceMat(*static_cast<Matrix **>(slot), old); }
+
+void openStore(Matrix **slot, Matrix *old) { openStore(putBack, slot, old); }
+
+static bool isStoreOpen(uint32_t pin) { return nstores && stores[nstores - 1].pin >= pin; }
+
 void closeStore(bool keep) {
-    if (!keep) replaceMat(*stores[nstores - 1].slot, pinned[npinned - 1]);
+    assert(isStoreOpen(npinned - 1));
+    const OpenStore &store = stores[nstores - 1];
+    if (!keep) store.take_back(store.place, pinned[npinned - 1]);
     nstores--;
     orderStores();
     releaseMat(unpinMat());
 }
 
-uint32_t openStoreCount() { return nstores; }
+void releasePins(uint32_t n) {
+    assert(npinned >= n);
+    while (isStoreOpen(n)) nstores--;
+    orderStores();
+    while (npinned > n) releaseMat(unpinMat());
+}
 
 // A value that nobody else holds becomes a temporary, for the sweep.
 void unpinTo(uint32_t n) {
     while (npinned > n) {
-        if (nstores && stores[nstores - 1].pin == npinned - 1)
+        if (isStoreOpen(npinned - 1))
             closeStore(false);
         else
             unpinMat();

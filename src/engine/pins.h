@@ -20,12 +20,13 @@ void growPins();
 inline uint32_t pinCount() { return npinned; }
 void unpinTo(uint32_t n);
 
-// A store that code of the user has still to judge: openStore pins the old value of the slot, and
-// closeStore(false), or a jump, puts it back. The slot lives at least as long as the pins below. Stores close
-// in reverse order, as pins go.
+// A store that code of the user has still to judge. What it takes to take the store back is pinned, as a rule
+// the slot's old value: closeStore(false) does it, or a jump. The place lives at least as long as the pins
+// below. Stores close in reverse order, as pins go.
+using TakeBack = void (*)(void *place, Matrix *old);
+void openStore(TakeBack take_back, void *place, Matrix *old);
 void openStore(Matrix **slot, Matrix *old);
 void closeStore(bool keep);
-uint32_t openStoreCount();
 
 // A function object that the runtime calls by its record: held until releaseFunc, or until a jump.
 void holdFunc(FuncRec *f);
@@ -42,6 +43,9 @@ inline Matrix *pinMat(Matrix *m) {
     npinned++;
     return m;
 }
+
+// Takes off the pins from the n-th on, and releases what nobody else holds. The stores among them stand.
+void releasePins(uint32_t n);
 
 // Takes the last pin off: the value is borrowed again, a temporary if nobody else holds it.
 inline Matrix *unpinMat() { return detachMat(pinned[--npinned]); }

@@ -48,18 +48,26 @@ static void addField(Xobject *obj, uint32_t name, Matrix *value) {
     addStructField(obj->vlfields, name, value, theCompleteMat());
 }
 
-static void putOpen(Xobject *obj, Matrix **slot, uint32_t name, Matrix *value) {
-    if (!slot) return addField(obj, name, value);
-    openStore(slot, *slot);
-    replaceMat(*slot, value);
+static void takeFieldOut(void *field, Matrix *object) {
+    if (removeElement(objectOf(object)->vlfields, field)) freeSfield(field);
 }
 
-void resetObjField(Xobject *obj, uint32_t name, Matrix *value, PcNode *node) {
-    putOpen(obj, publicSlot(obj, name, value, node), name, value);
+static void putOpen(Matrix *object, Matrix **slot, uint32_t name, Matrix *value) {
+    if (slot) {
+        openStore(slot, *slot);
+        replaceMat(*slot, value);
+    } else {
+        addField(objectOf(object), name, value);
+        openStore(takeFieldOut, getTail(objectOf(object)->vlfields), object);
+    }
 }
 
-void resetParField(Xobject *obj, uint32_t name, Matrix *value, PcNode *node) {
-    putOpen(obj, parentSlot(obj, name, value, node), name, value);
+void resetObjField(Matrix *object, uint32_t name, Matrix *value, PcNode *node) {
+    putOpen(object, publicSlot(objectOf(object), name, value, node), name, value);
+}
+
+void resetParField(Matrix *object, uint32_t name, Matrix *value, PcNode *node) {
+    putOpen(object, parentSlot(objectOf(object), name, value, node), name, value);
 }
 
 bool quickStore(Matrix *object, uint32_t name, Matrix *value) {

@@ -124,10 +124,10 @@ Matrix *getForcedFieldFunc(PcNode *node);
 Matrix *getParFieldFunc(PcNode *node);
 
 // ---- Stores. The object must have no other holder, and stays pinned. The plain forms leave an open store
-// (engine/pins.h), but for a field that is new. The forms with validation take a store back, silently, that
-// the class's `validate` refuses.
-void resetObjField(Xobject *obj, uint32_t name, Matrix *value, PcNode *node);
-void resetParField(Xobject *obj, uint32_t name, Matrix *value, PcNode *node);
+// (engine/pins.h). The forms with validation take a store back, silently, that the class's `validate`
+// refuses.
+void resetObjField(Matrix *object, uint32_t name, Matrix *value, PcNode *node);
+void resetParField(Matrix *object, uint32_t name, Matrix *value, PcNode *node);
 // Stores at once where nothing can refuse: a public field without domain of a class that does not validate.
 bool quickStore(Matrix *object, uint32_t name, Matrix *value);
 void resetObjFieldWithValidation(Matrix *object, uint32_t name, Matrix *value, PcNode *node);
