@@ -69,8 +69,7 @@ Matrix *reversed(const char *builtin, Matrix *m, Reversal what, PcNode *node) {
     if (isList(m->l2type) && elements) return m->length ? reverseList(m) : m;
     if (m->l2type == L2::RNG) return reverseRange(m, what);
     const bool text = m->l2type == L2::TX && elements;
-    const bool complex = m->l2type == L2::CS || m->l2type == L2::CM;
-    if (!text && !complex && !hasPlainElements(m->l2type)) refuseArgument(node, builtin);
+    if (!text && !isComplex(m->l2type) && !hasPlainElements(m->l2type)) refuseArgument(node, builtin);
     Matrix *copy = hasStructure(m->l2type) ? convToDb(m) : cloneMatrix(m);
     reverseOwn(copy, what);
     return copy;

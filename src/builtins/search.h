@@ -56,7 +56,7 @@ struct ListElements {
 };
 
 inline bool hasElements(const Matrix *m) {
-    return hasPlainElements(m->l2type) || m->l2type == L2::CS || m->l2type == L2::CM || isList(m->l2type);
+    return hasPlainElements(m->l2type) || isComplex(m->l2type) || isList(m->l2type);
 }
 
 // f(elements) for the kind of m, which has elements.

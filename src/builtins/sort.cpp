@@ -178,7 +178,7 @@ void sortElements(Matrix *m, const Sorting &s) {
 
 // Structured matrices lose their structure.
 Matrix *ownCopy(Matrix *m) {
-    if (m->l1type == L1::PF && m->l2type != L2::BY && m->l2type != L2::BI) return convToDb(m);
+    if (m->l1type == L1::PF && !isByteKind(m->l2type)) return convToDb(m);
     return m->nlinks() ? cloneMatrix(m) : m;
 }
 

@@ -12,6 +12,7 @@
 #include "frontend/symbols.h"
 #include "objects/object.h"
 #include "operators/dispatch.h"
+#include "values/elements.h"
 #include "values/memory.h"
 
 namespace vesko {
@@ -30,7 +31,7 @@ bool plainNumber(const Matrix *m, double &x) {
         x = m->ints()[0];
         return true;
     }
-    if ((m->l2type != L2::BY && m->l2type != L2::BI) || m->length != 1) return false;
+    if (!isByteKind(m->l2type) || m->length != 1) return false;
     x = m->bytes()[0];
     return true;
 }

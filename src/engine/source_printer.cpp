@@ -101,8 +101,7 @@ void printNumeric(SourceText &out, const Matrix *m) {
 void printBuiltinName(SourceText &out, const Matrix *m) { out.add(getSymbolName(m->builtin()->name)); }
 
 void printConstant(SourceText &out, const Matrix *m) {
-    if (hasPlainElements(m->l2type) || m->l2type == L2::CS || m->l2type == L2::CM)
-        return printNumeric(out, m);
+    if (hasPlainElements(m->l2type) || isComplex(m->l2type)) return printNumeric(out, m);
     switch (m->l2type) {
         case L2::TX:
             out.add('"');

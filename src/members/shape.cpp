@@ -6,6 +6,7 @@
 #include "engine/assign.h"
 #include "engine/errors.h"
 #include "values/convert.h"
+#include "values/elements.h"
 
 namespace vesko {
 
@@ -32,7 +33,7 @@ Shape readShape(Matrix *const *sizes, uint32_t n, uint32_t length, PcNode *node)
 void setShape(Matrix *m, Shape shape) {
     m->nrows = shape.rows;
     m->ncols = shape.cols;
-    if (m->l2type != L2::CS && m->l2type != L2::CM) return;
+    if (!isComplex(m->l2type)) return;
     for (unsigned part = 0; part < 2; part++) setShape(unshare(m->entries()[part]), shape);
 }
 

@@ -8,6 +8,7 @@
 #include "engine/assign.h"
 #include "engine/interrupt.h"
 #include "values/convert.h"
+#include "values/elements.h"
 #include "values/memory.h"
 
 namespace vesko {
@@ -167,7 +168,7 @@ Matrix *growMat(Matrix *&slot, uint32_t rows, uint32_t cols) {
         case L2::RS: return growDense<Reals>(slot, rows, cols);
         case L2::BY: return growDense<Bytes>(slot, rows, cols);
         case L2::BI: return growDense<Bits>(slot, rows, cols);
-        default: assert(slot->l2type == L2::CS || slot->l2type == L2::CM);
+        default: assert(isComplex(slot->l2type));
     }
     return growComplex(slot, rows, cols);
 }

@@ -9,6 +9,7 @@
 #include "operators/index.h"
 #include "operators/index_source.h"
 #include "values/containers.h"
+#include "values/elements.h"
 
 namespace vesko {
 
@@ -137,20 +138,17 @@ void asgnMdmImag(double *to, const MultidimPlaces &p, const Matrix *value) {
         p.walk([=](uint32_t k, uint32_t place) { to[place] = from[k]; });
         return;
     }
-    const bool complex = value->l2type == L2::CS || value->l2type == L2::CM;
-    asgnMdmRef(to, p, complex ? value->im() : theFalseMat());
+    asgnMdmRef(to, p, isComplex(value->l2type) ? value->im() : theFalseMat());
 }
 
 void asgnMdmReal(double *to, const MultidimPlaces &p, const Matrix *value) {
     if (value->l2type == L2::CMDM)
         p.walk([=, from = value->rdata](uint32_t k, uint32_t place) { to[place] = from[k]; });
     else
-        asgnMdmRef(to, p, value->l2type == L2::CS || value->l2type == L2::CM ? value->re() : value);
+        asgnMdmRef(to, p, isComplex(value->l2type) ? value->re() : value);
 }
 
-bool isComplexValue(const Matrix *m) {
-    return m->l2type == L2::CS || m->l2type == L2::CM || m->l2type == L2::CMDM;
-}
+bool isComplexValue(const Matrix *m) { return isComplex(m->l2type) || m->l2type == L2::CMDM; }
 
 Matrix *toComplexMultidim(const Matrix *m) {
     Matrix *complex = dupCMDM(m);

@@ -28,9 +28,7 @@ inline bool holds(const Matrix *m, const double *) {
     return t == L2::RM || t == L2::RMDM || t == L2::UPPER || t == L2::LOWER || t == L2::SYMM || t == L2::PM;
 }
 inline bool holds(const Matrix *m, const int32_t *) { return m->l2type == L2::IM; }
-inline bool holds(const Matrix *m, const uint8_t *) {
-    return m->l2type == L2::BY || m->l2type == L2::BI || m->l2type == L2::TX;
-}
+inline bool holds(const Matrix *m, const uint8_t *) { return isByteKind(m->l2type) || m->l2type == L2::TX; }
 
 template <class T>
 void readElements(T *to, const Matrix *value) {

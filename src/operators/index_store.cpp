@@ -9,6 +9,7 @@
 #include "operators/growth.h"
 #include "operators/index.h"
 #include "operators/index_source.h"
+#include "values/elements.h"
 
 namespace vesko {
 
@@ -95,12 +96,10 @@ void storePart(Matrix *&part, const IndexedPlaces &where, const Matrix *value) {
     closeSource(source);
 }
 
-bool isComplex(const Matrix *m) { return m->l2type == L2::CS || m->l2type == L2::CM; }
-
 Matrix *storeComplex(Matrix *&slot, const IndexedPlaces &where, Matrix *value) {
     Matrix *m = growToPlaces(slot, where);
-    storePart(m->entries()[0], where, isComplex(value) ? value->re() : value);
-    storePart(m->entries()[1], where, isComplex(value) ? value->im() : theFalseMat());
+    storePart(m->entries()[0], where, isComplex(value->l2type) ? value->re() : value);
+    storePart(m->entries()[1], where, isComplex(value->l2type) ? value->im() : theFalseMat());
     return m;
 }
 
@@ -170,7 +169,7 @@ using PlainStore = Matrix *(*)(Matrix *&slot, const IndexedPlaces &where, const 
 // A real-like target turns complex for a complex value, and not before.
 template <PlainStore store>
 Matrix *storeRealLike(Matrix *&slot, const IndexedPlaces &where, Matrix *value) {
-    if (!isComplex(value)) return store(slot, where, value);
+    if (!isComplex(value->l2type)) return store(slot, where, value);
     replaceMat(slot, convToCM(slot));
     return storeComplex(slot, where, value);
 }
@@ -216,7 +215,7 @@ Matrix *storeIntoOther(Matrix *&slot, const IndexedPlaces &where, Matrix *value,
         case L2::CS:
         case L2::CM: return storeComplex(slot, where, value);
         case L2::TX:
-            if (isComplex(value)) error_fail_conv_to_string(node, getdatatypestr(value->l2type));
+            if (isComplex(value->l2type)) error_fail_conv_to_string(node, getdatatypestr(value->l2type));
             return storeText(slot, where, value, node);
         case L2::BAND: error_not_built(node, "band matrices");
         case L2::SPARSE: error_not_built(node, "sparse matrices");

@@ -4,6 +4,7 @@
 
 #include "operators/dispatch.h"
 #include "operators/elementwise.h"
+#include "values/elements.h"
 
 namespace vesko {
 
@@ -24,7 +25,7 @@ using Step = Matrix *(*)(Arith op, Matrix *a, Matrix *b, PcNode *node);
 [[noreturn]] Matrix *undefined(Arith op, Matrix *a, Matrix *b, PcNode *node);
 // A kind, of either operand, that is not built yet.
 [[noreturn]] Matrix *notBuilt(Arith op, Matrix *a, Matrix *b, PcNode *node);
-[[noreturn]] void error_kind_not_built(PcNode *node, L2 kind);
+[[noreturn]] void error_kind_not_built(PcNode *node, L2 kind);  // a structured or extended one
 
 // ---- Real-like kinds
 Matrix *asReals(Arith op, Matrix *a, Matrix *b, PcNode *node);  // what is not dense becomes real
@@ -35,17 +36,12 @@ Matrix *byteNumber(Arith op, Matrix *a, Matrix *b, PcNode *node);  // the other 
 Matrix *byteElements(Arith op, Matrix *a, Matrix *b, PcNode *node);
 Matrix *byteProduct(Arith op, Matrix *a, Matrix *b, PcNode *node);
 Matrix *byteQuotient(Arith op, Matrix *a, Matrix *b, PcNode *node);
-constexpr bool isDenseReal(L2 t) {
-    return t == L2::RM || t == L2::RS || (t >= L2::UPPER && t <= L2::SYMM) || t == L2::PM;
-}
-constexpr bool isByteKind(L2 t) { return t == L2::BY || t == L2::BI; }
 
 // ---- Complex values, at least one of the two; the other is real-like
 Matrix *complexSum(Arith op, Matrix *a, Matrix *b, PcNode *node);
 Matrix *complexProduct(Arith op, Matrix *a, Matrix *b, PcNode *node);
 Matrix *complexQuotient(Arith op, Matrix *a, Matrix *b, PcNode *node);
 Matrix *complexElements(Arith op, Matrix *a, Matrix *b, PcNode *node);
-constexpr bool isComplex(L2 t) { return t == L2::CS || t == L2::CM; }
 
 // ---- Other kinds
 Matrix *overLists(Arith op, Matrix *a, Matrix *b, PcNode *node);

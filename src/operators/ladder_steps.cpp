@@ -7,6 +7,7 @@
 #include "operators/ladder.h"
 #include "values/containers.h"
 #include "values/convert.h"
+#include "values/elements.h"
 
 namespace vesko {
 
@@ -51,23 +52,18 @@ Matrix *noQuotient(Arith, Matrix *a, Matrix *b, PcNode *node) {
     error_undef_opr2(node);
 }
 
-static const char *unbuiltKind(L2 kind) {
+void error_kind_not_built(PcNode *node, L2 kind) {
     switch (kind) {
-        case L2::BAND: return "band matrices";
-        case L2::SPARSE: return "sparse matrices";
-        case L2::BIGINT: return "big integers";
-        case L2::MPF: return "multi-precision floats";
-        default: return nullptr;
+        case L2::BAND: error_not_built(node, "band matrices");
+        case L2::SPARSE: error_not_built(node, "sparse matrices");
+        case L2::BIGINT: error_not_built(node, "big integers");
+        default: assert(kind == L2::MPF); error_not_built(node, "multi-precision floats");
     }
 }
 
-void error_kind_not_built(PcNode *node, L2 kind) {
-    assert(unbuiltKind(kind));
-    error_not_built(node, unbuiltKind(kind));
-}
-
 Matrix *notBuilt(Arith, Matrix *a, Matrix *b, PcNode *node) {
-    error_kind_not_built(node, unbuiltKind(a->l2type) ? a->l2type : b->l2type);
+    const bool left = isRealLike(a->l2type) && !hasPlainElements(a->l2type);
+    error_kind_not_built(node, left ? a->l2type : b->l2type);
 }
 
 // ---- Real-like kinds

@@ -32,14 +32,12 @@ static Matrix *catInto(Matrix *result, T *data, const Matrix *list, Stacking sta
     return result;
 }
 
-static bool isComplex(const Matrix *m) { return m->l2type == L2::CS || m->l2type == L2::CM; }
-
 static Matrix *catComplex(const Matrix *list, uint32_t rows, uint32_t cols, Stacking stacking) {
     Matrix *re = newZerosMat(rows, cols), *im = newZerosMat(rows, cols);
     placeBlocks(re->rdata, cols, list, stacking,
-                [](const Matrix *block) { return isComplex(block) ? block->re() : block; });
+                [](const Matrix *block) { return isComplex(block->l2type) ? block->re() : block; });
     placeBlocks(im->rdata, cols, list, stacking, [](const Matrix *block) -> const Matrix * {
-        return isComplex(block) ? block->im() : nullptr;
+        return isComplex(block->l2type) ? block->im() : nullptr;
     });
     return newCompMat(re, im);
 }

@@ -118,7 +118,7 @@ static Matrix *textOfNothing() {
 
 Matrix *convToString(Matrix *m) {
     const bool vector = m->nrows == 1 || m->ncols == 1;
-    if ((m->l2type == L2::BY || m->l2type == L2::BI) && vector) return textOfBytes(m);
+    if (isByteKind(m->l2type) && vector) return textOfBytes(m);
     if (m->l2type == L2::TX) return m;
     if (m->length != 1) return textOfNothing();
     char digits[32];

@@ -74,6 +74,11 @@ void convertRun(To *dst, const From *src, uint32_t n) {
 }
 
 // Kinds whose elements lie in a buffer, or follow from one, so that copyElements can read them.
+constexpr bool isDenseReal(L2 t) {  // with or without structure
+    return t == L2::RM || t == L2::RS || (t >= L2::UPPER && t <= L2::SYMM) || t == L2::PM;
+}
+constexpr bool isByteKind(L2 t) { return t == L2::BY || t == L2::BI; }
+constexpr bool isComplex(L2 t) { return t == L2::CS || t == L2::CM; }
 constexpr bool hasPlainElements(L2 t) { return isRealLike(t) && (t < L2::BAND || t == L2::PM); }
 
 // Elements from .. from + n - 1 of a value of a plain kind, in row-major order.
