@@ -130,7 +130,7 @@ uint32_t findBfParm(const Bfunc *bf, uint32_t field) {
 
 Matrix *getBfParm(const Bfunc *bf, uint32_t field) {
     const uint32_t i = findBfParm(bf, field);
-    return i == not_found ? theDneMat() : bf->parmValues->matAt(i);
+    return i == not_found ? nullptr : bf->parmValues->matAt(i);
 }
 
 static Bfunc *spawnByRow(const Bfunc *bf, Vector *values) {

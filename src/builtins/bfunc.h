@@ -87,7 +87,7 @@ Matrix *callBf(Bfunc *bf, Matrix *args, PcNode *node);
 Matrix *spawnBf(Matrix *bf, const Matrix *values,
                 PcNode *node);                         // f[...]: a list of values; refused: an error
 uint32_t findBfParm(const Bfunc *bf, uint32_t field);  // place of its value, or not_found
-Matrix *getBfParm(const Bfunc *bf, uint32_t field);    // theDneMat if there is none of that name
+Matrix *getBfParm(const Bfunc *bf, uint32_t field);    // null if there is none of that name
 void resetBfParm(Bfunc *bf, uint32_t field, Matrix *value, PcNode *node);  // f.parm = value
 
 // ---- The tables

@@ -25,7 +25,6 @@ void beginInput(uint32_t first_column) {
 }
 
 void endInput() { READING_INPUT = false; }
-bool inputComplete() { return input_complete; }
 
 // ---- Places
 

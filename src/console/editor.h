@@ -36,6 +36,5 @@ void insertVc(char c);                     // a character at the cursor
 void updateVB(const HistoryEntry *entry);  // the command becomes the entry's lines; null: an empty one
 void beginInput(uint32_t first_column);    // the current line collects input for a program, from that column
 void endInput();                           // also when the program is abandoned
-bool inputComplete();
 
 }  // namespace vesko

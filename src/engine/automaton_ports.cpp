@@ -117,10 +117,9 @@ static void disconnect(xqueue *&queue) {
 
 static void disconnectAtmtInput(Xport *port) { disconnect(port->in); }
 static void disconnectAtmtOutput(Xport *port) { disconnect(port->out); }
-
 static void disconnectAtmtIO(Xport *port) {
-    disconnectAtmtInput(port);
-    disconnectAtmtOutput(port);
+    disconnect(port->in);
+    disconnect(port->out);
 }
 
 // ---- Operands: an automaton, a list of an automaton and a port number, or nothing.

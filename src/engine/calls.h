@@ -22,17 +22,12 @@ Matrix *callMbUfByMat(FuncRec *f, Matrix *m, Matrix *parent, PcNode *node);
 // Members: what is no function is multiplied with the (first) value.
 Matrix *callMemberFunc(Matrix *f, Matrix *m, Matrix *parent, PcNode *node);
 Matrix *callMemberFunc2(Matrix *f, Matrix *a, Matrix *b, Matrix *parent, PcNode *node);
-Matrix *callMemberFunc3(Matrix *f, Matrix *a, Matrix *b, Matrix *c, Matrix *parent, PcNode *node);
 
 // Named arguments: children of `list` are nodes with the symbol as value and the argument as first child.
 Matrix *callUfByNp(FuncRec *f, PcNode *list, Matrix *parent, PcNode *node);
 Matrix *callBfbyNp(Matrix *f, PcNode *list, PcNode *node);
 
-// Comparators of sorting and searching: negative, 0 or positive. The caller holds the function and the
-// values.
+// A comparator's answer: negative, 0 or positive. The caller holds the function and the values.
 int32_t compare_mats_by_uf(FuncRec *f, Matrix *a, Matrix *b, PcNode *node);
-void set_fr_mat_compare(FuncRec *f);
-void set_node_mat_compare(PcNode *node);
-int qsort_compare_mats_by_uf(const void *a, const void *b);  // of two Matrix pointers
 
 }  // namespace vesko

@@ -119,8 +119,6 @@ uint32_t findXexId(uint32_t symbol) {
     return addElement(xexvec, newXex(symbol));
 }
 
-const char *getXexName(uint32_t id) { return getSymbolName(xexAt(id)->name); }
-
 bool anythingIsCaught() { return findOpenTry(0) != nullptr; }
 
 void jumpToCatch() { leaveFor(findOpenTry(0)); }

@@ -7,7 +7,6 @@ namespace vesko {
 
 // Names of exceptions are kept for as long as the program runs. Id 0 is "anything": every run-time error.
 uint32_t findXexId(uint32_t symbol);  // adds a new name
-const char *getXexName(uint32_t id);
 
 // ---- For the end of every error and for the top level.
 bool anythingIsCaught();          // an open try catches run-time errors

@@ -27,11 +27,6 @@ Matrix *memberOfFunction(const FuncRec *f, uint32_t name) {
     return nullptr;
 }
 
-Matrix *memberOfBuiltin(const Bfunc *bf, uint32_t name) {
-    const uint32_t k = findBfParm(bf, name);
-    return k == not_found ? nullptr : bf->parmValues->matAt(k);
-}
-
 // `outside` says that the owner was not named by `parent`.
 Matrix *memberInSlot(const xfield *slot, bool outside, const PcNode *field, PcNode *node) {
     switch (slot->cv->attr) {
@@ -85,7 +80,7 @@ Matrix *findMember(Matrix *owner, PcNode *field, PcNode *node) {
         error_forcing_no_obj(node, pcnode2str(ownerNode(field))->text());
     switch (owner->l2type) {
         case L2::UF: return memberOfFunction(owner->func(), name);
-        case L2::BF: return memberOfBuiltin(owner->builtin(), name);
+        case L2::BF: return getBfParm(owner->builtin(), name);
         case L2::CLASS: return memberOfClass(classOf(owner), name);
         default: return nullptr;
     }

@@ -91,11 +91,6 @@ Matrix *callMemberFunc2(Matrix *f, Matrix *a, Matrix *b, Matrix *parent, PcNode 
     return callMember(f, values, 2, parent, node);
 }
 
-Matrix *callMemberFunc3(Matrix *f, Matrix *a, Matrix *b, Matrix *c, Matrix *parent, PcNode *node) {
-    Matrix *values[] = {a, b, c};
-    return callMember(f, values, 3, parent, node);
-}
-
 // ---- Comparators
 
 int32_t compare_mats_by_uf(FuncRec *f, Matrix *a, Matrix *b, PcNode *node) {
@@ -119,19 +114,6 @@ int32_t compare_mats_by_uf(FuncRec *f, Matrix *a, Matrix *b, PcNode *node) {
     }
     releaseMat(result);
     return order;
-}
-
-// qsort hands no context to its comparator.
-static FuncRec *compare_function;
-static PcNode *compare_node;
-
-void set_fr_mat_compare(FuncRec *f) { compare_function = f; }
-
-void set_node_mat_compare(PcNode *node) { compare_node = node; }
-
-int qsort_compare_mats_by_uf(const void *a, const void *b) {
-    return compare_mats_by_uf(compare_function, *static_cast<Matrix *const *>(a),
-                              *static_cast<Matrix *const *>(b), compare_node);
 }
 
 // ---- Named arguments. `list` has a node for each: its value is the symbol, its first child the argument.

@@ -66,10 +66,6 @@ void cmpl_cmpl_pow(double are, double aim, double bre, double bim, double &re, d
     fromPolar(std::exp(bre * log_r - bim * angle), bim * log_r + bre * angle, re, im);
 }
 
-void real_cmpl_pow(double a, double bre, double bim, double &re, double &im) {
-    cmpl_cmpl_pow(a, 0, bre, bim, re, im);
-}
-
 void cmpl_sqrt(double are, double aim, double &re, double &im) {
     const std::complex<double> root = std::sqrt(std::complex<double>(are, aim));
     re = root.real();

@@ -16,7 +16,6 @@ Complex cmplIntPow(Complex x, int n);     // by squaring: exact where the produc
 // a ^ b. A negative base with a fractional exponent takes the principal value; the real part of a square root
 // is exactly 0.
 void real_real_pow(double a, double b, double &re, double &im);
-void real_cmpl_pow(double a, double bre, double bim, double &re, double &im);
 void cmpl_real_pow(double are, double aim, double b, double &re, double &im);
 void cmpl_sqrt(double are, double aim, double &re, double &im);  // the root with real part 0 or above
 void cmpl_cmpl_pow(double are, double aim, double bre, double bim, double &re, double &im);

@@ -34,12 +34,6 @@ Matrix *parameterOf(Matrix *function, uint32_t name, Wanted wanted, PcNode *node
     return nullptr;
 }
 
-Matrix *builtinParameterOf(const Bfunc *bf, uint32_t name) {
-    for (uint32_t k = 0; bf->parmNames && k < bf->parmNames->size; k++)
-        if (bf->parmNames->numberAt(k) == name) return bf->parmValues->matAt(k);
-    return nullptr;
-}
-
 // The value of a common or auto field stands in the class, so that all objects share it.
 Matrix *sharedMember(const ClassField *field, Matrix *object, Wanted wanted, PcNode *node) {
     if (field->attr == Access::Auto && wanted == Wanted::Value) return runAuto(field->value, object, node);
@@ -116,7 +110,7 @@ Matrix *memberOfClass(const Xclass *type, uint32_t name) {
 Matrix *fieldOf(Matrix *x, uint32_t name, Wanted wanted, PcNode *node) {
     switch (x->l2type) {
         case L2::UF: return parameterOf(x, name, wanted, node);
-        case L2::BF: return builtinParameterOf(x->builtin(), name);
+        case L2::BF: return getBfParm(x->builtin(), name);
         case L2::OBJ: return memberOf(x, name, wanted, node);
         case L2::CLASS: return memberOfClass(classOf(x), name);
         case L2::COND: return name == FIELD_INDEX_DATABASE ? readDatabase(x, node) : nullptr;

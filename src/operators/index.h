@@ -15,13 +15,9 @@ Matrix *asgnIndxMat(Matrix *value, uint32_t bound, uint32_t &max,
 
 // The same with the evaluation of the node; the evaluated value is released if another one stands for it.
 Matrix *chkEvalIndxMat(PcNode *node, uint32_t bound, uint32_t &max);
-Matrix *evalIndxMat(PcNode *node, uint32_t bound, uint32_t &max);
 Matrix *chkEvalDiagIndxMat(PcNode *node, uint32_t n, uint32_t &max);
 
-// One integer index, from 1.
-uint32_t evalIndex(PcNode *node);
-uint32_t chkEvalIndex(PcNode *node, uint32_t bound);
-// A ready single index, or the error.
+// One integer index, from 1, or the error.
 uint32_t singleIndex(Matrix *value, PcNode *node);
 uint32_t chkSingleIndex(Matrix *value, uint32_t bound, PcNode *node);
 uint32_t getIndexS(const Matrix *m);  // from 0, of a checked IS, RS or BY

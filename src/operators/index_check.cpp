@@ -85,13 +85,6 @@ Matrix *checkIndex(Matrix *value, const IndexRule &rule, uint32_t &max) {
     }
 }
 
-Matrix *evaluated(PcNode *node, uint32_t bound, uint32_t &max, bool store) {
-    Matrix *value = node->exec(node);
-    Matrix *index = checkIndex(value, {bound, store, node}, max);
-    if (index != value) releaseMat(value);
-    return index;
-}
-
 uint32_t single(Matrix *value, const IndexRule &rule) {
     uint32_t max;
     double i;
@@ -111,10 +104,11 @@ Matrix *asgnIndxMat(Matrix *value, uint32_t bound, uint32_t &max, PcNode *node) 
 }
 
 Matrix *chkEvalIndxMat(PcNode *node, uint32_t bound, uint32_t &max) {
-    return evaluated(node, bound, max, false);
+    Matrix *value = node->exec(node);
+    Matrix *index = chkIndxMat(value, bound, max, node);
+    if (index != value) releaseMat(value);
+    return index;
 }
-
-Matrix *evalIndxMat(PcNode *node, uint32_t bound, uint32_t &max) { return evaluated(node, bound, max, true); }
 
 Matrix *chkEvalDiagIndxMat(PcNode *node, uint32_t n, uint32_t &max) { return chkEvalIndxMat(node, n, max); }
 
@@ -122,20 +116,6 @@ uint32_t singleIndex(Matrix *value, PcNode *node) { return single(value, {0, tru
 
 uint32_t chkSingleIndex(Matrix *value, uint32_t bound, PcNode *node) {
     return single(value, {bound, false, node});
-}
-
-uint32_t evalIndex(PcNode *node) {
-    Matrix *value = node->exec(node);
-    const uint32_t i = singleIndex(value, node);
-    releaseMat(value);
-    return i;
-}
-
-uint32_t chkEvalIndex(PcNode *node, uint32_t bound) {
-    Matrix *value = node->exec(node);
-    const uint32_t i = chkSingleIndex(value, bound, node);
-    releaseMat(value);
-    return i;
 }
 
 // ---- Readers of checked indices
