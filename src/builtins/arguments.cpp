@@ -7,14 +7,11 @@
 
 #include "engine/errors.h"
 #include "frontend/symbols.h"
+#include "operators/ladder.h"
 #include "values/containers.h"
 #include "values/elements.h"
 
 namespace vesko {
-
-void refuseArgument(PcNode *node, const char *builtin) {
-    error_bf_arg_domain(node, node ? pcnode2str(node)->text() : builtin, builtin);
-}
 
 uint32_t argCount(const Matrix *args) {
     if (isList(args->l2type)) return args->length;
@@ -26,27 +23,60 @@ Matrix *argAt(Matrix *args, uint32_t k) {
     return isList(args->l2type) ? args->entries()[k] : args;
 }
 
-void refuseAnyArgument(const Matrix *args, PcNode *node, const char *builtin) {
-    if (argCount(args) != 0) error_bf_nargs(node, builtin, static_cast<int32_t>(argCount(args)), 0);
+// ---- Demands
+
+void refuseArgument(PcNode *node, const char *builtin) {
+    error_bf_arg_domain(node, node ? pcnode2str(node)->text() : builtin, builtin);
+}
+
+void demandCount(const Matrix *args, uint32_t n, PcNode *node, const char *builtin) {
+    const uint32_t given = argCount(args);
+    if (given != n) error_bf_nargs(node, builtin, static_cast<int32_t>(given), static_cast<int32_t>(n));
+}
+
+void demandCount(const Matrix *args, uint32_t least, uint32_t most, PcNode *node, const char *builtin) {
+    const uint32_t given = argCount(args);
+    if (given < least || given > most)
+        error_bf_nargs_range(node, builtin, static_cast<int32_t>(given), static_cast<int32_t>(least),
+                             static_cast<int32_t>(most));
+}
+
+void demandKind(Matrix *args, uint32_t k, L2 kind, PcNode *node, const char *builtin) {
+    if (argAt(args, k)->l2type != kind) error_bf_argk_domain(node, builtin, static_cast<int32_t>(k));
+}
+
+double realArg(Matrix *args, uint32_t k, PcNode *node, const char *builtin) {
+    double x;
+    if (!extract_RS(argAt(args, k), x)) error_bf_argk_domain(node, builtin, static_cast<int32_t>(k));
+    return x;
+}
+
+void demandKinds(const Matrix *m, KindSet known, PcNode *node, const char *builtin) {
+    if ((kinds::structured | kinds::extended).has(m->l2type)) error_kind_not_built(node, m->l2type);
+    if (!known.has(m->l2type)) refuseArgument(node, builtin);
+}
+
+void demandEqualLengths(const Matrix *a, const Matrix *b, PcNode *node, const char *builtin) {
+    if (a->length != b->length)
+        error_bf_args_len_nomatch(node, builtin, static_cast<int32_t>(a->length),
+                                  static_cast<int32_t>(b->length));
 }
 
 // ---- Pairs
 
-static bool isIntegerKind(L2 t) { return t == L2::IS || t == L2::IM || t == L2::BY || t == L2::BI; }
+static bool isWholeKind(L2 t) { return (kinds::integers | kinds::bits).has(t); }
 
 RealPair pairOfReals(Matrix *args, PcNode *node, const char *builtin) {
     RealPair pair;
     if (hasPlainElements(args->l2type) && args->length == 2) {
         extract_2_reals(args, pair.first, pair.second);
-        pair.integers = isIntegerKind(args->l2type);
+        pair.integers = isWholeKind(args->l2type);
         return pair;
     }
-    const uint32_t n = argCount(args);
-    if (n != 2) error_bf_nargs(node, builtin, static_cast<int32_t>(n), 2);
-    const Matrix *a = argAt(args, 0), *b = argAt(args, 1);
-    if (!extract_RS(a, pair.first)) error_bf_argk_domain(node, builtin, 0);
-    if (!extract_RS(b, pair.second)) error_bf_argk_domain(node, builtin, 1);
-    pair.integers = isIntegerKind(a->l2type) && isIntegerKind(b->l2type);
+    demandCount(args, 2, node, builtin);
+    pair.first = realArg(args, 0, node, builtin);
+    pair.second = realArg(args, 1, node, builtin);
+    pair.integers = isWholeKind(argAt(args, 0)->l2type) && isWholeKind(argAt(args, 1)->l2type);
     return pair;
 }
 

@@ -2,18 +2,26 @@
 #pragma once
 
 #include "builtins/bfunc.h"
+#include "members/kinds.h"
 
 namespace vesko {
 
-// "argument not in domain", with the source text of the call.
-[[noreturn]] void refuseArgument(PcNode *node, const char *builtin);
-
 uint32_t argCount(const Matrix *args);    // entries of a list, 0 for no argument, else 1
 Matrix *argAt(Matrix *args, uint32_t k);  // borrowed
-void refuseAnyArgument(const Matrix *args, PcNode *node, const char *builtin);  // for those that take none
 
-// A pair of real numbers: two arguments, or one numeric matrix of two elements. Another count, or an argument
-// that is no number, is refused under the name of the built-in.
+// ---- Demands: what does not meet them is refused under the name of the built-in. Arguments count from 0.
+
+// "argument not in domain", with the source text of the call.
+[[noreturn]] void refuseArgument(PcNode *node, const char *builtin);
+void demandCount(const Matrix *args, uint32_t n, PcNode *node, const char *builtin);  // of two up, a list
+void demandCount(const Matrix *args, uint32_t least, uint32_t most, PcNode *node, const char *builtin);
+void demandKind(Matrix *args, uint32_t k, L2 kind, PcNode *node, const char *builtin);
+double realArg(Matrix *args, uint32_t k, PcNode *node, const char *builtin);  // a number
+// A numeric value of one of the kinds. Structured and extended ones are told of as not built.
+void demandKinds(const Matrix *m, KindSet known, PcNode *node, const char *builtin);
+void demandEqualLengths(const Matrix *a, const Matrix *b, PcNode *node, const char *builtin);
+
+// A pair of real numbers: two arguments, or one numeric matrix of two elements.
 struct RealPair {
     double first, second;
     bool integers;  // both of an integer kind

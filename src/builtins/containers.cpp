@@ -6,12 +6,12 @@
 namespace vesko {
 
 Matrix *newstack_bf(Matrix *args, Matrix **, PcNode *node) {
-    refuseAnyArgument(args, node, "stack");
+    demandCount(args, 0, node, "stack");
     return newPayloadMat(L2::STACK, newXstack);
 }
 
 Matrix *newqueue_bf(Matrix *args, Matrix **, PcNode *node) {
-    refuseAnyArgument(args, node, "queue");
+    demandCount(args, 0, node, "queue");
     return newPayloadMat(L2::QUEUE, newQueue);
 }
 

@@ -211,13 +211,10 @@ const BfParm log_parms[1] = {{"base", theNlogBaseMat, isPositive, isPositiveButO
 // ---- The angle of a point: two real scalars, or two real matrices of one length
 
 Matrix *atan2_bf(Matrix *args, Matrix **, PcNode *node) {
-    const uint32_t n = argCount(args);
-    if (!isList(args->l2type) || n != 2) error_bf_nargs(node, "atan2", static_cast<int32_t>(n), 2);
+    demandCount(args, 2, node, "atan2");
     const Matrix *y = args->entries()[0], *x = args->entries()[1];
     if (y->l2type != x->l2type || (y->l2type != L2::RS && y->l2type != L2::RM)) refuseArgument(node, "atan2");
-    if (y->length != x->length)
-        error_bf_args_len_nomatch(node, "atan2", static_cast<int32_t>(y->length),
-                                  static_cast<int32_t>(x->length));
+    demandEqualLengths(y, x, node, "atan2");
     Matrix *angles = allocRealMat(y->length, y->nrows, y->ncols);
     for (uint32_t i = 0; i < y->length; i++) angles->rdata[i] = std::atan2(y->rdata[i], x->rdata[i]);
     return angles;

@@ -67,9 +67,8 @@ Matrix *objsizes_bf(Matrix *x, Matrix **, PcNode *node) {
 
 // To the kind that a domain names. Without one, sparse where that pays.
 Matrix *convert_bf(Matrix *args, Matrix **, PcNode *node) {
-    const uint32_t n = argCount(args);
-    if (n != 1 && n != 2) error_bf_nargs_range(node, "convert", static_cast<int32_t>(n), 1, 2);
-    const Matrix *domain = n == 2 ? argAt(args, 1) : theEmptyMat();
+    demandCount(args, 1, 2, node, "convert");
+    const Matrix *domain = argCount(args) == 2 ? argAt(args, 1) : theEmptyMat();
     Matrix *x = argAt(args, 0);
     if (ISEMPTY(domain)) error_kind_not_built(node, L2::SPARSE);
     if (domain->l2type != L2::BF) error_bf_argk_domain(node, "convert", 1);

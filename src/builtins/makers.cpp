@@ -97,13 +97,9 @@ Matrix *newlist_bf(Matrix *args, Matrix **, PcNode *node) {
 
 Matrix *linspace_bf(Matrix *args, Matrix **, PcNode *node) {
     constexpr uint32_t usual_count = 100, fewest = 2, most = 3;
-    const uint32_t given = argCount(args);
-    if (given < fewest || given > most)
-        error_bf_nargs_range(node, "linspace", static_cast<int32_t>(given), fewest, most);
-    double first, last;
-    if (!extract_RS(argAt(args, 0), first)) error_bf_argk_domain(node, "linspace", 0);
-    if (!extract_RS(argAt(args, 1), last)) error_bf_argk_domain(node, "linspace", 1);
-    const Matrix *count = given == most ? argAt(args, 2) : theEmptyMat();
+    demandCount(args, fewest, most, node, "linspace");
+    const double first = realArg(args, 0, node, "linspace"), last = realArg(args, 1, node, "linspace");
+    const Matrix *count = args->length == most ? argAt(args, 2) : theEmptyMat();
     const uint32_t n = ISEMPTY(count) ? usual_count : readCount(count, 1, UINT32_MAX, node, "linspace", 2);
     Matrix *points = allocRealMat(n, 1, n);
     const double step = n > 1 ? (last - first) / (n - 1) : 0;
@@ -163,12 +159,10 @@ static Matrix *tiled(Matrix *x, uint32_t down, uint32_t across, PcNode *node) {
 // The sizes are told as those of a new matrix: one number stacks copies.
 Matrix *reptile_bf(Matrix *args, Matrix **, PcNode *node) {
     constexpr uint32_t fewest = 2, most = 3;
-    const uint32_t given = argCount(args);
-    if (given < fewest || given > most)
-        error_bf_nargs_range(node, "reptile", static_cast<int32_t>(given), fewest, most);
+    demandCount(args, fewest, most, node, "reptile");
     uint32_t down, across;
     char kind;
-    const bool both = given == most && !ISEMPTY(argAt(args, 2));
+    const bool both = args->length == most && !ISEMPTY(argAt(args, 2));
     Matrix *dims = both ? makeBiMatVec(argAt(args, 1), argAt(args, 2)) : argAt(args, 1);
     extractMatDims(dims, down, across, false, node, kind);
     if (both) releaseMat(dims);

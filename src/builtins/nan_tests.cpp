@@ -4,25 +4,16 @@
 
 #include "builtins/arguments.h"
 #include "builtins/workers.h"
-#include "engine/errors.h"
-#include "members/kinds.h"
-#include "operators/ladder.h"
 #include "values/elements.h"
 
 namespace vesko {
 
 namespace {
 
-void demandElements(const Matrix *m, KindSet kinds_known, const char *name, PcNode *node) {
-    if (kinds::structured.has(m->l2type) || kinds::extended.has(m->l2type))
-        error_not_built(node, "a test of the elements of this kind");
-    if (!kinds_known.has(m->l2type)) refuseArgument(node, name);
-}
-
 // The truth of test(re, im) for each element.
 template <class Test>
 Matrix *testElements(const Matrix *m, const char *name, PcNode *node, Test test) {
-    demandElements(m, kinds::dense, name, node);
+    demandKinds(m, kinds::dense, node, name);
     const bool complex = isComplex(m->l2type);
     const Matrix *re = complex ? m->re() : m;
     const double *im = complex ? m->im()->rdata : nullptr;
@@ -49,7 +40,7 @@ Matrix *isfinite_bf(Matrix *args, Matrix **, PcNode *node) {
 }
 
 Matrix *hasnan_bf(Matrix *args, Matrix **, PcNode *node) {
-    demandElements(args, kinds::dense | kinds::multidim, "hasnan", node);
+    demandKinds(args, kinds::dense | kinds::multidim, node, "hasnan");
     const size_t n = args->length;
     switch (args->l2type) {
         case L2::CS:

@@ -14,12 +14,6 @@ namespace vesko {
 
 namespace {
 
-void demandArguments(const char *builtin, const Matrix *args, uint32_t expected, PcNode *node) {
-    const uint32_t n = argCount(args);
-    if (n != expected || !isList(args->l2type))
-        error_bf_nargs(node, builtin, static_cast<int32_t>(n), static_cast<int32_t>(expected));
-}
-
 // The first argument, pinned: the value that is searched.
 Matrix *pinElements(const char *builtin, Matrix *x, PcNode *node) {
     if (x->l2type != L2::NUL && !hasElements(x)) refuseArgument(node, builtin);
@@ -40,7 +34,7 @@ Matrix *find_bf(Matrix *args, Matrix **, PcNode *node) {
         return false;
     };
     const bool pair = isList(args->l2type);
-    if (pair) demandArguments("find", args, 2, node);
+    if (pair) demandCount(args, 2, node, "find");
     Matrix *x = pinElements("find", pair ? args->entries()[0] : args, node);
     Matrix *sought = pinMat(pair ? args->entries()[1] : args);
     if (!isEmpty(x))
@@ -56,7 +50,7 @@ Matrix *find_bf(Matrix *args, Matrix **, PcNode *node) {
 }
 
 Matrix *findall_bf(Matrix *args, Matrix **, PcNode *node) {
-    demandArguments("findall", args, 2, node);
+    demandCount(args, 2, node, "findall");
     Matrix *x = pinElements("findall", args->entries()[0], node);
     Matrix *sought = pinMat(args->entries()[1]);
     Matrix *positions = pinMat(newIntMat(isEmpty(x) ? 0 : x->length, 1));
@@ -145,7 +139,7 @@ Matrix *substituteElements(Matrix *x, Matrix *old, Matrix *value, PcNode *node) 
 }
 
 Matrix *subs_bf(Matrix *args, Matrix **, PcNode *node) {
-    demandArguments("substitute", args, 3, node);
+    demandCount(args, 3, node, "substitute");
     pinMat(args);
     Matrix *const *entries = args->entries();
     Matrix *result = substituteElements(entries[0], entries[1], entries[2], node);

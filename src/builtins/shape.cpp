@@ -60,8 +60,8 @@ static Matrix *flatCopy(Matrix *m, PcNode *node) {
 
 // Sizes as one or two numbers, or as a pair in one value.
 Matrix *reshape_bf(Matrix *args, Matrix **, PcNode *node) {
-    const uint32_t n = argCount(args);
-    if (n < 2 || n > 3) error_bf_nargs_range(node, "reshape", static_cast<int32_t>(n), 2, 3);
+    demandCount(args, 2, 3, node, "reshape");
+    const uint32_t n = args->length;
     Matrix *const *values = args->entries();
     double rows, cols;
     Shape shape;

@@ -32,7 +32,7 @@ constexpr uint32_t n_calendar_parts = 6;
 
 // Year, month, day, hour, minute and second of the local time, the second with its fraction.
 Matrix *clock_bf(Matrix *args, Matrix **, PcNode *node) {
-    refuseAnyArgument(args, node, "clock");
+    demandCount(args, 0, node, "clock");
     const timespec t = now();
     tm local;
     localtime_r(&t.tv_sec, &local);
@@ -50,7 +50,7 @@ Matrix *clock_bf(Matrix *args, Matrix **, PcNode *node) {
 }
 
 Matrix *time_bf(Matrix *args, Matrix **, PcNode *node) {
-    refuseAnyArgument(args, node, "time");
+    demandCount(args, 0, node, "time");
     return newRealScalarMat(seconds(now()));
 }
 
@@ -77,8 +77,7 @@ static bool readTime(const Matrix *m, double &s) {
 }
 
 Matrix *etime_bf(Matrix *args, Matrix **, PcNode *node) {
-    const bool listed = isList(args->l2type);
-    if (!listed || args->length != 2) error_bf_nargs(node, "etime", static_cast<int32_t>(argCount(args)), 2);
+    demandCount(args, 2, node, "etime");
     double t0, t1;
     if (!readTime(args->entries()[0], t0)) error_bf_argk_domain(node, "etime", 0);
     if (!readTime(args->entries()[1], t1)) error_bf_argk_domain(node, "etime", 1);

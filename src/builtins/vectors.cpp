@@ -3,24 +3,17 @@
 #include "builtins/arguments.h"
 #include "builtins/workers.h"
 #include "engine/errors.h"
-#include "members/kinds.h"
 #include "operators/elementwise.h"
 #include "operators/index_source.h"
-#include "operators/ladder.h"
+#include "values/elements.h"
 
 namespace vesko {
 
 namespace {
 
-void demandDense(const Matrix *m, const char *name, PcNode *node) {
-    if (kinds::structured.has(m->l2type) || kinds::extended.has(m->l2type))
-        error_not_built(node, "this function of band, sparse and extended values");
-    if (!kinds::dense.has(m->l2type)) refuseArgument(node, name);
-}
-
 bool isInteger(const Matrix *m) { return (kinds::integers | kinds::bits).has(m->l2type); }
 
-// Part 0 is the real one; a real value has no part 1.
+// The real part is 0, the imaginary one 1: a real value has none.
 const Matrix *partOf(const Matrix *m, unsigned part) {
     if (isComplex(m->l2type)) return m->entries()[part];
     return part ? nullptr : m;
@@ -32,15 +25,12 @@ struct Pair {
     bool integer() const { return isInteger(a) && isInteger(b); }
 };
 
-Pair readPair(Matrix *args, const char *name, PcNode *node) {
-    const uint32_t n = argCount(args);
-    if (n != 2) error_bf_nargs(node, name, static_cast<int32_t>(n), 2);
+Pair readPair(Matrix *args, PcNode *node, const char *name) {
+    demandCount(args, 2, node, name);
     const Pair pair{args->entries()[0], args->entries()[1]};
-    demandDense(pair.a, name, node);
-    demandDense(pair.b, name, node);
-    if (pair.a->length != pair.b->length)
-        error_bf_args_len_nomatch(node, name, static_cast<int32_t>(pair.a->length),
-                                  static_cast<int32_t>(pair.b->length));
+    demandKinds(pair.a, kinds::dense, node, name);
+    demandKinds(pair.b, kinds::dense, node, name);
+    demandEqualLengths(pair.a, pair.b, node, name);
     return pair;
 }
 
@@ -120,7 +110,7 @@ T traceOf(const Matrix *m) {
 
 // The first factor is conjugated, so that dot(z, z) is the square of a length.
 Matrix *dot_bf(Matrix *args, Matrix **, PcNode *node) {
-    const Pair p = readPair(args, "dot", node);
+    const Pair p = readPair(args, node, "dot");
     if (p.integer()) return newIntScalarMat(dotOf<int32_t>(p.a, p.b));
     const Matrix *re = partOf(p.a, 0), *im = partOf(p.a, 1);
     const double real = dotOf<double>(re, partOf(p.b, 0)) + dotOf<double>(im, partOf(p.b, 1));
@@ -129,7 +119,7 @@ Matrix *dot_bf(Matrix *args, Matrix **, PcNode *node) {
 }
 
 Matrix *cross_bf(Matrix *args, Matrix **, PcNode *node) {
-    const Pair p = readPair(args, "cross", node);
+    const Pair p = readPair(args, node, "cross");
     if (p.a->length != space) error_bf_argk_domain(node, "cross", 0);
     if (p.integer()) {
         Matrix *r = zeroVector<int32_t>(p.a);
@@ -149,7 +139,7 @@ Matrix *cross_bf(Matrix *args, Matrix **, PcNode *node) {
 
 // Of a row the differences of neighbours, of all else those of rows; one element has none.
 Matrix *diff_bf(Matrix *args, Matrix **, PcNode *node) {
-    demandDense(args, "diff", node);
+    demandKinds(args, kinds::dense, node, "diff");
     if (args->length == 1) return theEmptyMat();
     if (isInteger(args)) return differencesOf<int32_t>(args);
     if (!isComplex(args->l2type)) return differencesOf<double>(args);
@@ -158,7 +148,7 @@ Matrix *diff_bf(Matrix *args, Matrix **, PcNode *node) {
 }
 
 Matrix *trace_bf(Matrix *args, Matrix **, PcNode *node) {
-    demandDense(args, "trace", node);
+    demandKinds(args, kinds::dense, node, "trace");
     if (!args->isSquare()) refuseArgument(node, "trace");
     if (isInteger(args)) return newIntScalarMat(traceOf<int32_t>(args));
     const double re = traceOf<double>(partOf(args, 0));

@@ -13,12 +13,6 @@ namespace vesko {
 
 namespace {
 
-int32_t positionArg(const MethodCall &call, const char *name) {
-    int32_t k;
-    if (!extract_integer(call.arg(0), k) || k < 1) error_bf_argk_domain(call.node, name, 1);
-    return k;
-}
-
 // The value becomes entry `at`, from 0. Interrupts wait while the entries move with their links.
 Matrix *insertEntry(MethodCall &call, uint32_t at, Matrix *value) {
     const uint32_t n = call.change()->length;
@@ -55,14 +49,14 @@ Matrix *method_prepend(MethodCall &call) { return insertEntry(call, 0, call.arg(
 
 // One place past the end appends.
 Matrix *method_insert(MethodCall &call) {
-    const int32_t k = positionArg(call, "insert");
+    const int32_t k = call.integerArg(0, 1, INT32_MAX, "insert");
     if (static_cast<uint32_t>(k) > call.owner->length + 1) error_list_insert_bound(call.node, k);
     return insertEntry(call, static_cast<uint32_t>(k - 1), call.arg(1));
 }
 
 // A position past the end deletes nothing.
 Matrix *method_delete(MethodCall &call) {
-    const uint32_t k = static_cast<uint32_t>(positionArg(call, "delete"));
+    const uint32_t k = static_cast<uint32_t>(call.integerArg(0, 1, INT32_MAX, "delete"));
     if (k > call.owner->length) return call.owner;
     releaseMat(takeEntry(call.change(), k - 1));
     return call.owner;

@@ -32,16 +32,8 @@ struct Columns {
 // Argument k as the number of a line, from 0.
 template <class Line>
 uint32_t lineArg(const MethodCall &call, uint32_t k, const char *name) {
-    int32_t i;
-    if (!extract_integer(call.arg(k), i) || i < 1 || static_cast<uint32_t>(i) > Line::count(call.owner))
-        error_bf_argk_domain(call.node, name, static_cast<int32_t>(k + 1));
-    return static_cast<uint32_t>(i - 1);
-}
-
-double factorArg(const MethodCall &call, uint32_t k, const char *name) {
-    double x;
-    if (!extract_RS(call.arg(k), x)) error_bf_argk_domain(call.node, name, static_cast<int32_t>(k + 1));
-    return x;
+    const auto last = static_cast<int32_t>(Line::count(call.owner));
+    return static_cast<uint32_t>(call.integerArg(k, 1, last, name) - 1);
 }
 
 // Argument k, which may be left out, selects entries of the lines.
@@ -84,7 +76,7 @@ Matrix *swapLines(MethodCall &call, const char *name) {
 template <class Line>
 Matrix *scaleLine(MethodCall &call, const char *name) {
     const uint32_t i = lineArg<Line>(call, 0, name);
-    const double factor = factorArg(call, 1, name);
+    const double factor = call.realArg(1, name);
     const IndexRun entries = entriesArg<Line>(call, 2);
     if (factor == 1) return call.owner;
     return changeLines<Line>(call, i, i, entries, [factor](double &x, double &) { x *= factor; });
@@ -93,7 +85,7 @@ Matrix *scaleLine(MethodCall &call, const char *name) {
 template <class Line>
 Matrix *addLines(MethodCall &call, const char *name) {
     const uint32_t from = lineArg<Line>(call, 0, name), to = lineArg<Line>(call, 1, name);
-    const double factor = factorArg(call, 2, name);
+    const double factor = call.realArg(2, name);
     const IndexRun entries = entriesArg<Line>(call, 3);
     if (factor == 0) return call.owner;
     return changeLines<Line>(call, from, to, entries, [factor](double &x, double &y) { y += factor * x; });

@@ -93,6 +93,19 @@ MethodCall::MethodCall(PcNode *node, Matrix *owner, bool changes, bool evaluated
     if (on_target) this->owner = peekTarget(target, judged);
 }
 
+int32_t MethodCall::integerArg(uint32_t k, int32_t least, int32_t most, const char *name) const {
+    int32_t n;
+    if (!extract_integer(arg(k), n) || n < least || n > most)
+        error_bf_argk_domain(node, name, static_cast<int32_t>(k + 1));
+    return n;
+}
+
+double MethodCall::realArg(uint32_t k, const char *name) const {
+    double x;
+    if (!extract_RS(arg(k), x)) error_bf_argk_domain(node, name, static_cast<int32_t>(k + 1));
+    return x;
+}
+
 // The statement of this call is about to give `ans` its result, as a rule the owner. So an `ans` that still
 // holds the owner from the statement before need not make it a shared one: in a loop of such statements each
 // would copy it.

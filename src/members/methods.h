@@ -23,6 +23,9 @@ public:
     // `changes`: the worker may change its owner, which is looked up as a target then.
     MethodCall(PcNode *node, Matrix *owner, bool changes, bool evaluated);
     Matrix *arg(uint32_t k) const { return args->entries()[k]; }
+    // Argument k as a number; what is none is refused under the name of the method.
+    int32_t integerArg(uint32_t k, int32_t least, int32_t most, const char *name) const;
+    double realArg(uint32_t k, const char *name) const;
 
     // The owner without other holders, as a plain matrix of its kind where it had structure. A temporary
     // owner is changed itself; one that is no place to store into is copied.

@@ -18,9 +18,8 @@ Matrix *method_reverse_text(MethodCall &call) {
 
 // Positions count from 1. One past the end deletes nothing.
 Matrix *method_delete_text(MethodCall &call) {
-    int32_t k;
-    if (!extract_integer(call.arg(0), k) || k < 1) error_bf_argk_domain(call.node, "delete", 1);
-    const uint32_t length = call.owner->length, at = static_cast<uint32_t>(k);
+    const uint32_t length = call.owner->length;
+    const auto at = static_cast<uint32_t>(call.integerArg(0, 1, INT32_MAX, "delete"));
     if (at > length) return call.owner;
     Matrix *string = call.change();
     std::memmove(string->text() + at - 1, string->text() + at, length - at + 1);

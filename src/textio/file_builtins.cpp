@@ -13,7 +13,7 @@ namespace vesko {
 
 Matrix *open_bf(Matrix *args, Matrix **, PcNode *node) {
     const bool has_mode = isList(args->l2type);
-    if (has_mode && args->length != 2) error_bf_nargs(node, "open", static_cast<int32_t>(args->length), 2);
+    if (has_mode) demandCount(args, 2, node, "open");
     Matrix *name = has_mode ? args->entries()[0] : args;
     const Matrix *mode = has_mode ? args->entries()[1] : nullptr;
     if (name->l2type != L2::TX) error_bf_filename(node);
@@ -49,8 +49,7 @@ Matrix *status_bf(Matrix *f, Matrix **, PcNode *) {
 
 // A file that is opened for appending takes lines through its member only.
 Matrix *writeline_bf(Matrix *args, Matrix **, PcNode *node) {
-    const uint32_t n = argCount(args);
-    if (n != 2) error_bf_nargs(node, "writeline", static_cast<int32_t>(n), 2);
+    demandCount(args, 2, node, "writeline");
     const Matrix *f = argAt(args, 0), *text = argAt(args, 1);
     if (f->l2type != L2::FILEH) error_file_writeline(node, true, sourceOfArgument(node, 0));
     if (text->l2type != L2::TX) error_file_writeline(node, false, sourceOfArgument(node, 1));
@@ -63,8 +62,7 @@ Matrix *writeline_bf(Matrix *args, Matrix **, PcNode *node) {
 // From the worksheet; the empty value at the end of the input.
 Matrix *getline_bf(Matrix *args, Matrix **, PcNode *node) {
     const bool prompted = args->l2type == L2::TX;
-    const uint32_t n = argCount(args);
-    if (n > 0 && !prompted) error_bf_nargs(node, "getline", static_cast<int32_t>(n), 0);
+    if (!prompted) demandCount(args, 0, node, "getline");
     uint32_t start, end;
     if (!getLine(prompted ? args->text() : "", start, end)) return theEmptyMat();
     return newStrMatCopyN(vscr.current->text + start, end - start);

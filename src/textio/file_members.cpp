@@ -93,8 +93,7 @@ Matrix *method_getchar(MethodCall &call) { return orEmpty(readChar(readableFile(
 
 Matrix *method_read(MethodCall &call) {
     FileRecord *file = readableFile(call);
-    int32_t n;
-    if (!extract_integer(call.arg(0), n) || n < 0) error_bf_argk_domain(call.node, "fread", 1);
+    const int32_t n = call.integerArg(0, 0, INT32_MAX, "fread");
     return readBytes(file, uint64_t(n) * file->itemSize, call.node);
 }
 

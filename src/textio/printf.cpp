@@ -72,14 +72,12 @@ Matrix *printf_bf(Matrix *args, Matrix **, PcNode *node) {
 }
 
 Matrix *fprintf_bf(Matrix *args, Matrix **, PcNode *node) {
-    constexpr int32_t most_arguments = 10000;
-    const uint32_t n = argCount(args);
-    if (n < 2 || n > most_arguments)
-        error_bf_nargs_range(node, "fprintf", static_cast<int32_t>(n), 2, most_arguments);
-    if (argAt(args, 0)->l2type != L2::FILEH) error_bf_argk_domain(node, "fprintf", 0);
+    constexpr uint32_t most_arguments = 10000;
+    demandCount(args, 2, most_arguments, node, "fprintf");
+    demandKind(args, 0, L2::FILEH, node, "fprintf");
     FileRecord *file = fileOf(argAt(args, 0));
     demandWritable(file, file_mode_w | file_mode_a, node);
-    return printToFile(file, args->entries() + 1, n - 1, node);
+    return printToFile(file, args->entries() + 1, args->length - 1, node);
 }
 
 // A file that is opened for appending takes fprintf only.

@@ -273,15 +273,6 @@ Matrix *scanItems(Source source, const Matrix *format, PcNode *node) {
     return itemOrList(items);
 }
 
-void demandTwo(const Matrix *args, PcNode *node) {
-    const uint32_t n = argCount(args);
-    if (n != 2) error_bf_nargs(node, "sscanf", static_cast<int32_t>(n), 2);
-}
-
-void demandKind(Matrix *args, uint32_t k, L2 kind, const char *builtin, PcNode *node) {
-    if (argAt(args, k)->l2type != kind) error_bf_argk_domain(node, builtin, static_cast<int32_t>(k));
-}
-
 Matrix *scanFile(const Matrix *file, const Matrix *format, PcNode *node) {
     demandReadable(fileOf(file), node);
     return scanItems(FileSource{fileOf(file)}, format, node);
@@ -290,16 +281,16 @@ Matrix *scanFile(const Matrix *file, const Matrix *format, PcNode *node) {
 }  // namespace
 
 Matrix *sscanf_bf(Matrix *args, Matrix **, PcNode *node) {
-    demandTwo(args, node);
-    for (uint32_t k = 0; k < 2; k++) demandKind(args, k, L2::TX, "sscanf", node);
+    demandCount(args, 2, node, "sscanf");
+    for (uint32_t k = 0; k < 2; k++) demandKind(args, k, L2::TX, node, "sscanf");
     return scanItems(TextSource{argAt(args, 0)->text()}, argAt(args, 1), node);
 }
 
 // Its count of arguments is told under the name of sscanf.
 Matrix *fscanf_bf(Matrix *args, Matrix **, PcNode *node) {
-    demandTwo(args, node);
-    demandKind(args, 0, L2::FILEH, "fscanf", node);
-    demandKind(args, 1, L2::TX, "fscanf", node);
+    demandCount(args, 2, node, "sscanf");
+    demandKind(args, 0, L2::FILEH, node, "fscanf");
+    demandKind(args, 1, L2::TX, node, "fscanf");
     return scanFile(argAt(args, 0), argAt(args, 1), node);
 }
 
