@@ -43,16 +43,19 @@ static void freeXproc(FuncFrame *frame) {
 
 static FuncFrame *dropped;
 
-// A run may stand in the text, or come back to it, so it is kept until no automaton runs.
+// A run may stand in the text, or come back to it, and a store below a call may work on a variable of the
+// automaton. So it is kept until the top level is reached.
+static bool mayBeInUse() { return depth > 0 || savedfuncs->size > 0; }
+
 static void dropAutomaton(Matrix *m) {
     FuncFrame *frame = frameOf(m);
-    if (savedfuncs->size == 0) return freeXproc(frame);
+    if (!mayBeInUse()) return freeXproc(frame);
     frame->proc->next_dropped = dropped;
     dropped = frame;
 }
 
 void freeDroppedAutomatons() {
-    if (savedfuncs->size != 0) return;
+    if (mayBeInUse()) return;
     while (FuncFrame *frame = dropped) {
         holdInterrupt();
         dropped = frame->proc->next_dropped;

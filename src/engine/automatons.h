@@ -35,7 +35,7 @@ FuncFrame *newAutomatonFrame(uint32_t n);   // with n slots, a port, and no text
 void runAutoMaton(Matrix *a);               // until the automaton that is current then has no next statement
 void enterAutomaton(FuncFrame *automaton);  // takes the place of the one that runs
 FuncFrame *takeFunc();                      // a frame for the place of an automaton's on the stack
-void freeDroppedAutomatons();               // those that lost their last holder during a run that is over
+void freeDroppedAutomatons();               // those that lost their last holder in a call that is over
 
 // ---- Ports, numbered from 1
 Xport *newXport();
