@@ -7,6 +7,7 @@
 #include "objects/object.h"
 #include "operators/ladder.h"
 #include "values/convert.h"
+#include "values/elements.h"
 
 namespace vesko {
 
@@ -16,12 +17,10 @@ Matrix *trivial_bf(Matrix *, Matrix **parms, PcNode *) { return parms[0]; }
 
 Matrix *type_bf(Matrix *x, Matrix **, PcNode *) { return newStrMatCopy(getdatatypestr(x->l2type)); }
 
-static Matrix *count(uint32_t n) { return newIntScalarMat(static_cast<int32_t>(n)); }
-
 // Kind, rows, columns, and how many hold the value.
 Matrix *matinfo_bf(Matrix *x, Matrix **, PcNode *) {
-    Matrix *const info[] = {newStrMatCopy(getdatatypestr(x->l2type)), count(x->nrows), count(x->ncols),
-                            count(x->nlinks())};
+    Matrix *const info[] = {newStrMatCopy(getdatatypestr(x->l2type)), newCount(x->nrows), newCount(x->ncols),
+                            newCount(x->nlinks())};
     Matrix *list = newListMat(std::size(info));
     for (Matrix *m : info) addListEntry(list, m);
     return list;
@@ -54,13 +53,10 @@ Matrix *exist_bf(Matrix *name, Matrix **, PcNode *node) {
 
 // Fields that the class of an object gives it, and fields of its own; of a class, the fields alone.
 Matrix *objsizes_bf(Matrix *x, Matrix **, PcNode *node) {
-    if (x->l2type == L2::CLASS || x->l2type == L2::COND) return count(classOf(x)->fields->size);
+    if (x->l2type == L2::CLASS || x->l2type == L2::COND) return newCount(classOf(x)->fields->size);
     if (x->l2type != L2::OBJ) refuseArgument(node, "objsizes");
     const Xobject *object = objectOf(x);
-    Matrix *sizes = newIntMat(1, 2);
-    sizes->ints()[0] = static_cast<int32_t>(object->xfields ? object->xfields->size : 0);
-    sizes->ints()[1] = static_cast<int32_t>(object->vlfields ? object->vlfields->size : 0);
-    return sizes;
+    return newCounts({object->xfields ? object->xfields->size : 0, countFields(object->vlfields)});
 }
 
 // ---- Conversion

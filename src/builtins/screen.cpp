@@ -29,12 +29,7 @@ Matrix *answerOnScreen(const Matrix *args, Routine routine) {
     return inScreenMode() ? routine() : code(not_in_screen_mode);
 }
 
-Matrix *pairMat(int a, int b) {
-    Matrix *m = newIntMat(1, 2);
-    m->ints()[0] = a;
-    m->ints()[1] = b;
-    return m;
-}
+Matrix *pairMat(int y, int x) { return newCounts({static_cast<uint32_t>(y), static_cast<uint32_t>(x)}); }
 
 // ---- Reading arguments
 

@@ -229,10 +229,9 @@ Matrix **PathWalk::objectField(Matrix *object, PcNode *lvalue) {
 Matrix **PathWalk::functionField(Matrix *f, PcNode *lvalue) {
     const uint32_t name = lvalue->value;
     if (f->l2type == L2::BF) {
-        const Bfunc *bf = f->builtin();
-        for (uint32_t k = 0; bf->parmNames && k < bf->parmNames->size; k++)
-            if (bf->parmNames->numberAt(k) == name) return &bf->parms()[k];
-        error_invalid_lvalue(lvalue);
+        const uint32_t k = findBfParm(f->builtin(), name);
+        if (k == not_found) error_invalid_lvalue(lvalue);
+        return &f->builtin()->parms()[k];
     }
     for (int32_t k = 0; k < f->func()->npublic; k++) {
         sfield *parm = f->func()->parms->at<sfield>(k);

@@ -23,6 +23,8 @@ Matrix *callMbUfByMat(FuncRec *f, Matrix *m, Matrix *parent, PcNode *node);
 Matrix *callMemberFunc(Matrix *f, Matrix *m, Matrix *parent, PcNode *node);
 Matrix *callMemberFunc2(Matrix *f, Matrix *a, Matrix *b, Matrix *parent, PcNode *node);
 
+sfield *findParm(const FuncRec *f, uint32_t field);  // the parameter of that name; null if there is none
+
 // Named arguments: children of `list` are nodes with the symbol as value and the argument as first child.
 Matrix *callUfByNp(FuncRec *f, PcNode *list, Matrix *parent, PcNode *node);
 Matrix *callBfbyNp(Matrix *f, PcNode *list, PcNode *node);

@@ -22,9 +22,8 @@ const char *fieldNameOf(const PcNode *field) { return getFieldName(static_cast<u
 // ---- What is called: the value of the field, uncomputed; null if there is none.
 
 Matrix *memberOfFunction(const FuncRec *f, uint32_t name) {
-    for (uint32_t k = 0; f->parms && k < f->parms->size; k++)
-        if (const sfield *parm = f->parms->at<sfield>(k); parm->index == name) return parm->value;
-    return nullptr;
+    const sfield *parm = findParm(f, name);
+    return parm ? parm->value : nullptr;
 }
 
 // `outside` says that the owner was not named by `parent`.

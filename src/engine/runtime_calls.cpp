@@ -91,6 +91,12 @@ Matrix *callMemberFunc2(Matrix *f, Matrix *a, Matrix *b, Matrix *parent, PcNode 
     return callMember(f, values, 2, parent, node);
 }
 
+sfield *findParm(const FuncRec *f, uint32_t field) {
+    for (uint32_t k = 0; k < countFields(f->parms); k++)
+        if (sfield *parm = f->parms->at<sfield>(k); parm->index == field) return parm;
+    return nullptr;
+}
+
 // ---- Comparators
 
 int32_t compare_mats_by_uf(FuncRec *f, Matrix *a, Matrix *b, PcNode *node) {

@@ -5,10 +5,9 @@
 #include "members/auto_fields.h"
 #include "members/kinds.h"
 #include "values/containers.h"
+#include "values/elements.h"
 
 namespace vesko {
-
-static Matrix *newCount(uint32_t n) { return newIntScalarMat(static_cast<int32_t>(n)); }
 
 // ---- Sizes
 
@@ -19,12 +18,7 @@ Matrix *mat_field_height(Matrix *m, PcNode *) { return newCount(static_cast<xsta
 Matrix *mat_field_nrows(Matrix *m, PcNode *) { return newCount(m->nrows); }
 Matrix *mat_field_ncolumns(Matrix *m, PcNode *) { return newCount(m->ncols); }
 
-Matrix *mat_field_size(Matrix *m, PcNode *) {
-    Matrix *size = newIntMat(1, 2);
-    size->ints()[0] = static_cast<int32_t>(m->nrows);
-    size->ints()[1] = static_cast<int32_t>(m->ncols);
-    return size;
-}
+Matrix *mat_field_size(Matrix *m, PcNode *) { return newCounts({m->nrows, m->ncols}); }
 
 Matrix *mat_field_size_md(Matrix *m, PcNode *) {
     const auto *extents = static_cast<const Vector *>(m->vdata);

@@ -24,14 +24,10 @@ Matrix *runAuto(Matrix *function, Matrix *parent, PcNode *node) {
 }
 
 Matrix *parameterOf(Matrix *function, uint32_t name, Wanted wanted, PcNode *node) {
-    const Vector *parms = function->func()->parms;
-    for (uint32_t k = 0; parms && k < parms->size; k++) {
-        const auto *parm = parms->at<sfield>(k);
-        if (parm->index != name) continue;
-        const bool computed = parm->flag == static_cast<uint8_t>(Access::Auto) && wanted == Wanted::Value;
-        return computed ? runAuto(parm->value, function, node) : parm->value;
-    }
-    return nullptr;
+    const sfield *parm = findParm(function->func(), name);
+    if (!parm) return nullptr;
+    const bool computed = parm->flag == static_cast<uint8_t>(Access::Auto) && wanted == Wanted::Value;
+    return computed ? runAuto(parm->value, function, node) : parm->value;
 }
 
 // The value of a common or auto field stands in the class, so that all objects share it.

@@ -2,13 +2,23 @@
 // concatenators and the scalar readers are all made from copyElements.
 #pragma once
 
+#include <algorithm>
 #include <cassert>
 #include <cstdint>
+#include <initializer_list>
 
 #include "values/convert.h"
 #include "values/matrix.h"
 
 namespace vesko {
+
+// Counts as values: an integer scalar, and a row of integers.
+inline Matrix *newCount(uint32_t n) { return newIntScalarMat(static_cast<int32_t>(n)); }
+inline Matrix *newCounts(std::initializer_list<uint32_t> counts) {
+    Matrix *row = newIntMat(1, static_cast<uint32_t>(counts.size()));
+    std::copy(counts.begin(), counts.end(), row->ints());
+    return row;
+}
 
 // Element type of the binary kind, one byte of 0 or 1.
 struct Bit {
