@@ -4,6 +4,9 @@
 // time: start-up and short programs touch little memory.
 #include "values/pools.h"
 
+#include <sys/mman.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <cassert>
 #include <cstdio>
@@ -19,6 +22,8 @@ PoolClass general_pool[n_pool_classes];
 PoolClass plain_pool;
 
 constexpr size_t slab_bytes = 64 * 1024;
+constexpr size_t large_slab_bytes = 512 * 1024;
+constexpr size_t large_pool_bytes = 2 << 20;  // a pool beyond it grows by large slabs
 constexpr uint32_t carving_batch = 32;
 constexpr size_t cache_line = 64;
 constexpr size_t aligned_from = 1024;  // longer buffers begin at a cache line
@@ -79,10 +84,23 @@ static void growPool(PoolClass &pool) {
     pool.uncarved = n;
 }
 
+// The records of a large slab are all used soon: its pages come at once, in place of a fault each.
+static void populate(char *begin, size_t size) {
+#ifdef MADV_POPULATE_WRITE
+    const uintptr_t page = static_cast<uintptr_t>(sysconf(_SC_PAGESIZE));
+    const uintptr_t first = (reinterpret_cast<uintptr_t>(begin) + page - 1) / page * page;
+    const uintptr_t end = (reinterpret_cast<uintptr_t>(begin) + size) / page * page;
+    if (first < end) madvise(reinterpret_cast<void *>(first), end - first, MADV_POPULATE_WRITE);
+#endif
+}
+
 static void addSlab(PoolClass &pool) {
-    uint32_t room = static_cast<uint32_t>(std::max(size_t{1}, slab_bytes / pool.cell));
+    const bool large = pool.total * pool.cell > large_pool_bytes;
+    const size_t bytes = large ? large_slab_bytes : slab_bytes;
+    uint32_t room = static_cast<uint32_t>(std::max(size_t{1}, bytes / pool.cell));
     room = std::min(room, pool.uncarved);
     char *raw = static_cast<char *>(m_malloc(slab_header + cache_line + room * pool.cell));
+    if (large) populate(raw, slab_header + cache_line + room * pool.cell);
     size_t misplaced = reinterpret_cast<uintptr_t>(raw) % cache_line;
     Slab *slab = reinterpret_cast<Slab *>(raw + (misplaced ? cache_line - misplaced : 0));
     *slab = {pool.slabs, 0, room};
