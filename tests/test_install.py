@@ -14,7 +14,10 @@ QUESTIONS = 'help_file_path\nlibpaths\nrun("determinant.vk")\n'
 
 
 def output(command, text, cwd="/"):
-    return subprocess.run(command, input=text.encode(), stdout=subprocess.PIPE, cwd=cwd, timeout=60).stdout.decode()
+    """What the program prints; nobody's start-up file takes part."""
+    env = dict(os.environ, HOME="/nonexistent")
+    done = subprocess.run(command, input=text.encode(), stdout=subprocess.PIPE, cwd=cwd, timeout=60, env=env)
+    return done.stdout.decode()
 
 
 class Installed(unittest.TestCase):
