@@ -3,10 +3,8 @@
 
 #include <cstring>
 
-#include "console/command.h"
 #include "console/history.h"
 #include "console/worksheet.h"
-#include "frontend/source.h"
 #include "frontend/token.h"
 #include "values/containers.h"
 
@@ -219,8 +217,8 @@ void updateVB(const HistoryEntry *entry) {
 
 static void cmd_up() {
     Vsline *line = vscr.current;
-    if (getcwmode() == worksheet_mode && line == vscr.cmdfirst) return stepInWorksheet(line->prev);
-    if (getcwmode() == worksheet_mode && !line->isCommand()) return stepInWorksheet(line->prev);
+    if (getcwmode() == worksheet_mode && (line == vscr.cmdfirst || !line->isCommand()))
+        return stepInWorksheet(line->prev);
     if (line != vscr.cmdfirst && line->prev) return vbUpward();
     const HistoryEntry *shown = cmdhist.cursor;
     if (!shown || shown == cmdhist.head) return;
@@ -269,10 +267,7 @@ static void cmd_ctrla() {
     const bool parsing = parsingInProgress();
     dropCommand();
     initVideoBuf();
-    if (!parsing) return;
-    while (filelist->extra[0]) getExtraCh();
-    cmdbuffstat = false;
-    parseRestart();
+    if (parsing) abandonParse();
 }
 
 static bool enter() {

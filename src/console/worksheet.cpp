@@ -249,6 +249,13 @@ void setCmdBuffStat() {
     }
 }
 
+// No character waits to be read again while a line is edited: the lexer takes those before it asks for a
+// line.
+void abandonParse() {
+    cmdbuffstat = false;
+    parseRestart();
+}
+
 void startReading() {
     vscr.readline = vscr.cmdfirst;
     vscr.readpos = prompt_width;
@@ -258,11 +265,7 @@ void startReading() {
 
 void rereadCommand() {
     startReading();
-    if (!parsingInProgress()) return;
-    while (filelist->extra[0]) getExtraCh();
-    setConsoleLine(lines_before_command);
-    cmdbuffstat = false;
-    parseRestart();
+    if (parsingInProgress()) abandonParse();
 }
 
 // In worksheet mode the cursor may stand on any line of the list.

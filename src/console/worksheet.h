@@ -66,10 +66,11 @@ int getcwmode();
 inline bool cwmode_nodisplay() { return getcwmode() == no_display; }
 
 // ---- The command
-int getChar();         // next character of the command, or end_of_input
-bool grabLine();       // lets the user complete a line of the command; false at the end of the input
-void initVideoBuf();   // starts a new command
-void startReading();   // the command is read from its first line
+int getChar();        // next character of the command, or end_of_input
+bool grabLine();      // lets the user complete a line of the command; false at the end of the input
+void initVideoBuf();  // starts a new command
+[[noreturn]] void abandonParse();  // the lines stand as they are for the next parse
+void startReading();               // the command is read from its first line
 void rereadCommand();  // startReading; a parse that has begun is abandoned, and the lines stand for the next
                        // one
 void setCmdBuffStat();
